@@ -1,0 +1,35 @@
+// Time and files of the host camera framework, as the device's libzeruncommonutils has them.
+#ifndef ITOF_PLATFORM_ZERUN_OSUTILS_H_
+#define ITOF_PLATFORM_ZERUN_OSUTILS_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+
+/// A point in time since an unspecified start: whole seconds, then nanoseconds below one second.
+struct ZerunTime {
+  uint64_t seconds;
+  uint64_t nanoseconds;
+};
+
+namespace Zerun {
+
+class OsUtils {
+ public:
+  /// Stores the present time of a monotonic clock in `*time`.
+  static void GetTime(ZerunTime* time);
+
+  /// Opens a file as a stream of the C library; `mode` as for fopen. Null on failure, with errno set.
+  static FILE* FOpen(const char* path, const char* mode);
+
+  /// Reads up to `itemCount` items of `itemSize` bytes into `destination`, never beyond `destinationSize` bytes.
+  /// Returns the number of whole items read.
+  static size_t FRead(void* destination, size_t destinationSize, size_t itemSize, size_t itemCount, FILE* file);
+
+  /// Closes a file that FOpen gave. 0 on success.
+  static int FClose(FILE* file);
+};
+
+}  // namespace Zerun
+
+#endif  // ITOF_PLATFORM_ZERUN_OSUTILS_H_

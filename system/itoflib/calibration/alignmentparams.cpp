@@ -1,0 +1,27 @@
+// Turns the file's single-precision fields into the double-precision parameters of the alignment.
+#include "calibration/alignmentparams.h"
+
+#include <algorithm>
+
+#include "integerpart.h"
+
+namespace itof {
+
+void FillAlignmentParams(const CalibrationRecord& record, AlignmentParams& params) {
+  const auto widen = [](float value) { return static_cast<double>(value); };
+  // A quotient, not a product with 0.1, whose last bit may differ.
+  const auto widenAndDivide = [](float value) { return static_cast<double>(value) / 10.0; };
+
+  params.tofCalibWidth = IntegerPart(widen(record.tofCalibWidth));
+  params.tofCalibHeight = IntegerPart(widen(record.tofCalibHeight));
+  params.auxCalibWidth = IntegerPart(widen(record.auxCalibWidth));
+  params.auxCalibHeight = IntegerPart(widen(record.auxCalibHeight));
+  std::ranges::transform(record.tofIntrinsics, params.tofIntrinsics, widen);
+  std::ranges::transform(record.auxIntrinsics, params.auxIntrinsics, widen);
+  std::ranges::transform(record.rotation, params.rotation, widen);
+  std::ranges::transform(record.translation, params.translation, widenAndDivide);
+  std::ranges::transform(record.tofDistortion, params.tofDistortion, widen);
+  std::ranges::transform(record.auxDistortion, params.auxDistortion, widen);
+}
+
+}  // namespace itof

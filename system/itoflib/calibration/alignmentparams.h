@@ -1,0 +1,37 @@
+// The description of the camera pair that the alignment works from.
+#ifndef ITOF_CALIBRATION_ALIGNMENTPARAMS_H_
+#define ITOF_CALIBRATION_ALIGNMENTPARAMS_H_
+
+#include <cstdint>
+
+#include "calibration/calibrationrecord.h"
+
+namespace itof {
+
+/// One camera pair. Sizes are in pixels; matrices are 3x3 row-major; distortion coefficients are in the order k1, k2,
+/// p1, p2, k3, k4, k5, k6 of the rational lens model, as OpenCV's calibration module has it. A point X in the ToF
+/// camera's frame lies at rotation * X + translation in the aux camera's frame.
+struct AlignmentParams {
+  int32_t tofCalibWidth;  // image that tofIntrinsics refers to
+  int32_t tofCalibHeight;
+  int32_t auxCalibWidth;  // image that auxIntrinsics refers to
+  int32_t auxCalibHeight;
+  int32_t tofWidth;  // working depth frame
+  int32_t tofHeight;
+  int32_t auxWidth;  // output frame, in the aux camera's view
+  int32_t auxHeight;
+  double tofIntrinsics[9];
+  double auxIntrinsics[9];
+  double rotation[9];
+  double translation[3];  // in units of ten depth codes
+  double tofDistortion[8];
+  double auxDistortion[8];
+};
+
+/// Takes every field of `params` except the four working sizes, which stay as they are, from a record. Image sizes lose
+/// their fraction; all else is exact but the translation, whose entries are divided by 10.
+void FillAlignmentParams(const CalibrationRecord& record, AlignmentParams& params);
+
+}  // namespace itof
+
+#endif  // ITOF_CALIBRATION_ALIGNMENTPARAMS_H_

@@ -1,0 +1,30 @@
+// Reads the calibration file. All access goes through the platform, whose utilities know the device's partitions.
+#include "calibration/calibrationrecord.h"
+
+#include <zerun/osutils.h>
+
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+namespace itof {
+
+CalibrationRecord DecodeCalibrationRecord(const void* bytes) {
+  CalibrationRecord record;
+  std::memcpy(&record, bytes, sizeof record);
+  return record;
+}
+
+CalibrationLoad LoadCalibrationRecord() {
+  auto record = std::make_unique_for_overwrite<CalibrationRecord>();
+  FILE* file = Zerun::OsUtils::FOpen(kCalibrationPath, "rb");
+  if (file == nullptr) return {CalibrationLoadStatus::kUnreadable, nullptr};
+  const size_t records = Zerun::OsUtils::FRead(record.get(), kCalibrationRecordSize, kCalibrationRecordSize, 1, file);
+  // The platform's handle is a stream of the C library, which knows why a read fell short.
+  const bool failed = std::ferror(file) != 0;
+  Zerun::OsUtils::FClose(file);
+  if (records != 1) return {failed ? CalibrationLoadStatus::kUnreadable : CalibrationLoadStatus::kShort, nullptr};
+  return {CalibrationLoadStatus::kLoaded, std::move(record)};
+}
+
+}  // namespace itof

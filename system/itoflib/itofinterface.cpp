@@ -1,0 +1,128 @@
+// The three exported functions, the library-wide state that they share, and the road of one frame.
+#include "itofinterface.h"
+
+#include <cstring>
+#include <memory>
+#include <opencv2/core.hpp>
+#include <utility>
+
+#include "alignment/alignmentcontext.h"
+#include "alignment/approximatealignment.h"
+#include "alignment/distortlut.h"
+#include "alignment/farplane.h"
+#include "calibration/alignmentparams.h"
+#include "calibration/calibrationcheck.h"
+#include "calibration/calibrationrecord.h"
+#include "performancelog.h"
+#include "pixelwords.h"
+
+namespace itof {
+namespace {
+
+static_assert(kFrameWidth == ITOF_FRAME_WIDTH && kFrameHeight == ITOF_FRAME_HEIGHT);
+
+/// The library's context, released when the library is unloaded or the process exits.
+struct LibraryContext : AlignmentContext {
+  ~LibraryContext() { ReleaseAlignmentContext(*this); }
+};
+
+AlignmentParams alignment_params;
+LibraryContext alignment_context;
+bool init_done;
+int32_t tof_calib_width;
+float aux_fl_ratio;
+bool tables_prepared;
+
+/// Repacks every working word of one container into the other, of the same shape.
+void PackAlignedWords(const cv::Mat& working, cv::Mat& aligned) {
+  for (int row = 0; row < working.rows; ++row) {
+    const auto* from = working.ptr<uint16_t>(row);
+    auto* to = aligned.ptr<uint16_t>(row);
+    for (int column = 0; column < working.cols; ++column) to[column] = AlignedWord(from[column]);
+  }
+}
+
+}  // namespace
+}  // namespace itof
+
+using namespace itof;
+
+int32_t itof_init() {
+  AlignmentParams params{};
+  params.tofWidth = kFrameWidth;
+  params.tofHeight = kFrameHeight;
+  params.auxWidth = kFrameWidth;
+  params.auxHeight = kFrameHeight;
+
+  CalibrationLoad load = LoadCalibrationRecord();
+  if (load.status == CalibrationLoadStatus::kUnreadable) return ITOF_CALIBRATION_UNREADABLE;
+  if (load.status == CalibrationLoadStatus::kShort) return ITOF_CALIBRATION_SHORT;
+  if (FindCalibrationFault(*load.record)) return ITOF_CALIBRATION_UNUSABLE;
+  FillAlignmentParams(*load.record, params);
+  const float auxFlRatio = load.record->aux_fl_ratio;
+  load.record.reset();
+
+  // Built beside the context in use: until here, and in here, a failure changes nothing.
+  AlignmentContext context{};
+  InitAlignmentContext(context, params, 1);
+
+  std::swap<AlignmentContext>(alignment_context, context);
+  ReleaseAlignmentContext(context);
+  alignment_params = params;
+  tof_calib_width = params.tofCalibWidth;
+  aux_fl_ratio = auxFlRatio;
+  init_done = true;
+  tables_prepared = false;
+  return ITOF_OK;
+}
+
+int32_t itof_execute_algo(uint16_t* frame, float ratio) {
+  if (!init_done) return 0;
+  AlignmentContext& context = alignment_context;
+  const ZerunTime frameStart = TimeStamp();
+
+  const size_t sourceCount = PixelCount(alignment_params.tofWidth, alignment_params.tofHeight);
+  const size_t targetCount = PixelCount(alignment_params.auxWidth, alignment_params.auxHeight);
+  auto workingBuffer = std::make_unique<uint16_t[]>(targetCount);
+  ITOF_PERFORMANCE_LOG(307, "[Velmor_Perf] WarpTest algo !,aux_fl_ratio is %f ms", static_cast<double>(aux_fl_ratio));
+
+  if (!tables_prepared) {
+    ZerunTime stepStart = TimeStamp();
+    AlignmentFarPlane(context, context.farPlaneMapX.get(), context.farPlaneMapY.get(), static_cast<double>(ratio),
+                      static_cast<double>(ratio));
+    ZerunTime stepEnd = TimeStamp();
+    ITOF_PERFORMANCE_LOG(322, "[Velmor_Perf] AlignmentFarPlane ! used time is %d ms",
+                         MillisecondsBetween(stepStart, stepEnd));
+
+    stepStart = TimeStamp();
+    DistortLUT(context, context.distortMapX.get(), context.distortMapY.get());
+    stepEnd = TimeStamp();
+    ITOF_PERFORMANCE_LOG(328, "[Velmor_Perf] DistortLUT ! used time is %d ms", MillisecondsBetween(stepStart, stepEnd));
+    tables_prepared = true;
+  }
+
+  const ZerunTime stepStart = TimeStamp();
+  RunApproximateAlignment(context, frame, workingBuffer.get(), context.farPlaneMapX.get(), context.farPlaneMapY.get(),
+                          context.distortMapX.get(), context.distortMapY.get());
+  const ZerunTime stepEnd = TimeStamp();
+  ITOF_PERFORMANCE_LOG(341, "[Velmor_Perf] RunApproximateAlignment ! used time is %d ms",
+                       MillisecondsBetween(stepStart, stepEnd));
+
+  // Three sizes agree here, or itof_init would have refused the calibration: the containers', the working buffer's and
+  // the caller's frame's.
+  cv::Mat packed(kFrameHeight, tof_calib_width, CV_16U);
+  cv::Mat staging(kFrameHeight, tof_calib_width, CV_16U);
+  std::memcpy(staging.data, workingBuffer.get(), staging.total() * staging.elemSize());
+  PackAlignedWords(staging, packed);
+  std::memcpy(frame, packed.data, sourceCount * sizeof *frame);
+  const ZerunTime frameEnd = TimeStamp();
+  ITOF_PERFORMANCE_LOG(364, "[Velmor_Perf] WarpTest algo !, total used time is %d ms",
+                       MillisecondsBetween(frameStart, frameEnd));
+
+  workingBuffer.reset();
+  staging.release();
+  packed.release();
+  return 0;
+}
+
+void itof_deinit() { tables_prepared = false; }

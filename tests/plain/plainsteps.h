@@ -1,0 +1,29 @@
+// The alignment steps in their plainest form: one pixel after the other, each operation where its formula has it. The
+// library's steps are compared with these bit for bit, so nothing here calls the library.
+#ifndef ITOF_TESTS_PLAIN_PLAINSTEPS_H_
+#define ITOF_TESTS_PLAIN_PLAINSTEPS_H_
+
+#include <cstdint>
+
+#include "alignment/alignmentcontext.h"
+
+namespace plain {
+
+// Arguments, results and units are those of the functions of the same names in namespace itof, but
+// RunApproximateAlignment prints nothing.
+
+void MatrixMultiply(double* out, const double* a, const double* b, int32_t rows, int32_t aRowLength, int32_t inner,
+                    int32_t cols);
+
+void AlignmentFarPlane(itof::AlignmentContext& context, float* farPlaneMapX, float* farPlaneMapY, double scaleX,
+                       double scaleY);
+
+void DistortLUT(const itof::AlignmentContext& context, float* mapX, float* mapY);
+
+int32_t RunApproximateAlignment(itof::AlignmentContext& context, const uint16_t* frame, uint16_t* workingBuffer,
+                                const float* farPlaneMapX, const float* farPlaneMapY, const float* distortMapX,
+                                const float* distortMapY);
+
+}  // namespace plain
+
+#endif  // ITOF_TESTS_PLAIN_PLAINSTEPS_H_
