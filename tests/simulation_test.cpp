@@ -1,0 +1,176 @@
+// The whole library against a traced scene: frames of a simulated camera pair go through the three public
+// functions, and every cell is compared with the depth of the point that the aux camera sees there. The
+// simulation shares no code with the alignment.
+#include "simulation/simulation.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+#include <zerun/hostfiles.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <opencv2/calib3d.hpp>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "itofinterface.h"
+
+namespace {
+
+using namespace itoftool::simulation;
+using itof::CalibrationRecord;
+
+size_t Index(int u, int v) { return static_cast<size_t>(v) * kWidth + static_cast<size_t>(u); }
+
+// The judge, judged itself: its cameras against OpenCV's lens model and their own inverse.
+void Check(const Camera& camera, float width, float height, const float* matrix, const float* distortion) {
+  const cv::Mat k(3, 3, CV_32F, const_cast<float*>(matrix)), lens(1, 8, CV_32F, const_cast<float*>(distortion));
+  // Up to the outer corners of the frame, and in order: no ray belongs to a branch where the lens has folded.
+  for (double v = -0.5; v < kHeight; v += 15) {
+    for (double u = -0.5; u < kWidth; u += 16) {
+      SCOPED_TRACE(testing::Message() << width << ": (" << u << ", " << v << ")");
+      const Vec3 ray = Ray(camera, {u, v});
+      const Point2 seen = Project(camera, ray);
+      ASSERT_NEAR(seen.x, u, 1e-9);
+      ASSERT_NEAR(seen.y, v, 1e-9);
+      ASSERT_TRUE(Ray(camera, {u + 0.5, v}).x > ray.x && Ray(camera, {u, v + 0.5}).y > ray.y);
+      std::vector<cv::Point2d> expected;
+      cv::projectPoints(std::vector{cv::Point3d(ray.x, ray.y, ray.z)}, cv::Vec3d(), cv::Vec3d(), k, lens, expected);
+      // The edges of the picture stay its edges at another resolution.
+      ASSERT_NEAR((u + 0.5) / kWidth, (expected[0].x + 0.5) / static_cast<double>(width), 1e-9);
+      ASSERT_NEAR((v + 0.5) / kHeight, (expected[0].y + 0.5) / static_cast<double>(height), 1e-9);
+    }
+  }
+}
+
+TEST(SimulatedCameras, ProjectAsOpenCvDoesAndBack) {
+  for (const auto& [record, tof, aux, rotation, translation] : {GentleRig(), StrongRig()}) {
+    Check(tof, record.tofCalibWidth, record.tofCalibHeight, record.tofIntrinsics, record.tofDistortion);
+    Check(aux, record.auxCalibWidth, record.auxCalibHeight, record.auxIntrinsics, record.auxDistortion);
+  }
+}
+
+/// The aligned words of a frame of depth words, as a host would get them with this calibration.
+std::vector<uint16_t> Align(const CalibrationRecord& record, std::vector<uint16_t> words) {
+  const std::string path = testing::TempDir() + "itof-simulation-" + std::to_string(getpid()) + ".bin";
+  std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(&record), sizeof record);
+  ZerunHost::RedirectPath(itof::kCalibrationPath, path);
+  EXPECT_EQ(itof_init(), ITOF_OK);
+  ZerunHost::RedirectPath(itof::kCalibrationPath, "");
+  std::filesystem::remove(path);
+  EXPECT_EQ(itof_execute_algo(words.data(), 1.0F), 0);
+  itof_deinit();
+  return words;
+}
+
+struct Bounds {
+  double filled;  // at least: share of the cells that hold depth
+  double near;    // at least: share of these that hold the truth's step of 16 mm or one beside it, modulo 4096 mm
+  double shift;   // at most, in x and in y: pixels beside the truth, mean of the four quarters of the frame
+  double spread;  // at most: pixels, largest deviation of a quarter from that mean
+};
+
+/// Whether an aligned frame keeps the bounds, and a line with its figures, which is printed too.
+testing::AssertionResult Keeps(const char* name, const std::vector<uint16_t>& aligned,
+                               const std::vector<uint16_t>& truth, const Bounds& bounds) {
+  constexpr int kStep = 16, kWrap = 4096;
+  constexpr double kSteepest = 15, kFlattest = 2;  // slope in millimetres per pixel, and its change; more is an edge
+  constexpr double kSurface = 96;                  // a larger difference is another surface
+  double filled = 0, near = 0;
+  // The shift that explains the differences best, by least squares over the slopes of the surfaces.
+  cv::Matx22d squares[4];
+  cv::Vec2d products[4];
+  for (int v = 1; v < kHeight - 1; ++v) {
+    for (int u = 1; u < kWidth - 1; ++u) {
+      const int step = aligned[Index(u, v)] & 0xFF;
+      if (step == 0) continue;
+      const int depth = truth[Index(u, v)];
+      ++filled;
+      near += std::abs(std::remainder((step - depth / kStep) * kStep, kWrap)) <= kStep;
+
+      const int left = truth[Index(u - 1, v)], right = truth[Index(u + 1, v)];
+      const int above = truth[Index(u, v - 1)], below = truth[Index(u, v + 1)];
+      const cv::Vec2d slope((right - left) / 2.0, (below - above) / 2.0);
+      // A step stands for the sixteen codes from step * 16 on.
+      const double difference = std::remainder(step * kStep + (kStep - 1) / 2.0 - depth, kWrap);
+      if (cv::norm(slope, cv::NORM_INF) < kSteepest && std::abs(left + right - 2 * depth) <= kFlattest &&
+          std::abs(above + below - 2 * depth) <= kFlattest && std::abs(difference) < kSurface) {
+        const int quarter = (v < kHeight / 2 ? 0 : 2) + (u < kWidth / 2 ? 0 : 1);
+        squares[quarter] += slope * slope.t();
+        products[quarter] += slope * difference;
+      }
+    }
+  }
+  cv::Vec2d shifts[4], shift;
+  for (int i = 0; i < 4; ++i) shift += (shifts[i] = squares[i].inv() * products[i]) / 4;
+  double spread = 0;
+  for (const cv::Vec2d& quarter : shifts) spread = std::max(spread, cv::norm(quarter - shift, cv::NORM_INF));
+  near /= filled;
+  filled /= kWidth * kHeight;
+
+  char line[160];
+  std::snprintf(line, sizeof line, "%-52s filled %.3f  near %.4f  shift %+.3f %+.3f  spread %.3f", name, filled, near,
+                shift[0], shift[1], spread);
+  std::puts(line);
+  return testing::AssertionResult(filled >= bounds.filled && near >= bounds.near && spread <= bounds.spread &&
+                                  cv::norm(shift, cv::NORM_INF) <= bounds.shift)
+         << line;
+}
+
+// Measured: filled 0.86 and more, near 0.991, shift up to 0.07, spread up to 0.41 pixels. The spread has a cause in the
+// design: where the lens moves positions by less than a pixel, cutting them after rounding them once puts all of them
+// on one side, and on opposite sides of the lens's centre the sides differ. Of the faults below, half a pixel gives a
+// shift of at least 0.43, a third of a pixel 0.30; all others bring near below 0.60.
+constexpr Bounds kGentleBounds{.filled = 0.8, .near = 0.985, .shift = 0.15, .spread = 0.5};
+
+// A parallax that leaves out the offset along the axis and the tilt is off by up to 3 pixels at the sides.
+// Measured: filled 0.61, near 0.983, shift 0.33, spread 0.71.
+constexpr Bounds kStrongBounds{.filled = 0.5, .near = 0.95, .shift = 0.7, .spread = 1.2};
+
+TEST(SimulatedScene, IsAlignedWithTheTruth) {
+  const Rig rig = GentleRig(), strong = StrongRig();
+  for (const int frame : {0, 7}) {
+    const Scene scene = RoomScene(frame);
+    const auto truth = Truth(rig, scene);
+    EXPECT_TRUE(Keeps("exact depth", Align(rig.record, ExactDepthWords(rig, scene)), truth, kGentleBounds));
+    EXPECT_TRUE(Keeps("measured depth", Align(rig.record, DepthWords(rig, scene, 1)), truth, kGentleBounds));
+  }
+  const auto aligned = Align(strong.record, DepthWords(strong, RoomScene(0), 1));
+  EXPECT_TRUE(Keeps("measured depth, strong rig", aligned, Truth(strong, RoomScene(0)), kStrongBounds));
+}
+
+void Transpose(float (&m)[9]) { cv::transpose(cv::Mat(3, 3, CV_32F, m), cv::Mat(3, 3, CV_32F, m)); }
+
+/// From k1 k2 p1 p2 k3 to k1 k2 k3 p1 p2.
+void Misorder(float (&distortion)[8]) { std::rotate(distortion + 2, distortion + 4, distortion + 5); }
+
+// A fault in the calibration that the library is given is the same fault in its use of a right one.
+TEST(SimulatedScene, ShowsFaults) {
+  constexpr float kPixel = 3;  // pixels of the aux calibration to one of the frame
+  const std::pair<const char*, void (*)(CalibrationRecord&)> faults[] = {
+      {"rotation transposed", [](auto& r) { Transpose(r.rotation); }},
+      {"ToF coefficients in the order k1 k2 k3 p1 p2", [](auto& r) { Misorder(r.tofDistortion); }},
+      {"aux coefficients in the order k1 k2 k3 p1 p2", [](auto& r) { Misorder(r.auxDistortion); }},
+      {"translation negated", [](auto& r) { std::ranges::transform(r.translation, r.translation, std::negate()); }},
+      {"half a pixel to the right", [](auto& r) { r.auxIntrinsics[2] += kPixel / 2; }},
+      {"half a pixel down", [](auto& r) { r.auxIntrinsics[5] += kPixel / 2; }},
+      {"aux pixel centres unscaled",
+       [](auto& r) { r.auxIntrinsics[2] += kPixel / 3, r.auxIntrinsics[5] += kPixel / 3; }},
+  };
+  const Rig rig = GentleRig();
+  const Scene scene = RoomScene(0);
+  const auto words = ExactDepthWords(rig, scene), truth = Truth(rig, scene), corners = Truth(rig, scene, 0);
+  EXPECT_FALSE(Keeps("cells taken for their top left corners", Align(rig.record, words), corners, kGentleBounds));
+  for (const auto& [name, inject] : faults) {
+    CalibrationRecord record = rig.record;
+    inject(record);
+    EXPECT_FALSE(Keeps(name, Align(record, words), truth, kGentleBounds));
+  }
+}
+
+}  // namespace

@@ -1,0 +1,186 @@
+// Runs the built program as its users do, and looks at its exit code, its streams and its files.
+#include <fnmatch.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <opencv2/core.hpp>
+#include <opencv2/imgcodecs.hpp>
+#include <string>
+#include <vector>
+
+#include "calibrationbytes.h"
+
+namespace {
+namespace fs = std::filesystem;
+using Words = std::vector<uint16_t>;
+
+constexpr int kWidth = 640, kHeight = 360;
+constexpr size_t kPixels = size_t{kWidth} * kHeight;
+
+uint16_t AlignedWord(int code, int confidence) { return static_cast<uint16_t>(code / 16 % 256 + confidence * 256); }
+std::string Bytes(const Words& words) { return {reinterpret_cast<const char*>(words.data()), words.size() * 2}; }
+cv::Mat Picture(Words& words) { return {kHeight, kWidth, CV_16U, words.data()}; }
+
+class ToolTest : public testing::Test {
+ protected:
+  struct Result {
+    int code;  // exit code; above 128: ended by a signal
+    std::string out, err;
+  };
+
+  void SetUp() override {
+    fs::create_directories(folder_ / "out");
+    Write("good.bin", CalibrationBytes(IdentityCalibration()));
+    for (size_t i = 0; i < kPixels; ++i) {
+      words_.push_back(static_cast<uint16_t>(i * 40503));
+      if (words_[i] % 8192 == 0) ++words_[i];  // a pixel without depth would not stay in its place
+    }
+    Write("frame.raw", Bytes(words_));
+  }
+  void TearDown() override { fs::remove_all(folder_); }
+
+  void Write(const char* name, const std::string& bytes) { std::ofstream(folder_ / name, std::ios::binary) << bytes; }
+  void Write(const char* name, const cv::Mat& picture) { ASSERT_TRUE(cv::imwrite(folder_ / name, picture)); }
+  std::string Read(const fs::path& name) const {
+    std::ifstream file(folder_ / name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  /// Every file of the test, hidden ones and folders included, with what it holds.
+  std::map<fs::path, std::string> Files() const {
+    std::map<fs::path, std::string> files;
+    for (const auto& entry : fs::recursive_directory_iterator(folder_))
+      files[entry] = entry.is_directory() ? "" : Read(entry.path());
+    return files;
+  }
+
+  /// Runs the tool with a shell's words for arguments, in the test's folder. $align is the command with a good
+  /// calibration and the output folder; `before` is what the shell reads before the tool's name.
+  Result Run(const std::string& arguments, const std::string& before = "") const {
+    const std::string line = "cd '" + folder_.string() + "' && align='align --calibration good.bin --output out' && " +
+                             before + " '" ITOF_TOOL_PATH "' >stdout 2>stderr " + arguments;
+    const Result result{WEXITSTATUS(std::system(line.c_str())), Read("stdout"), Read("stderr")};
+    for (const char* stream : {"stdout", "stderr"}) fs::remove(folder_ / stream);
+    return result;
+  }
+
+  /// The run ends with `code`, nothing but one line that has `pattern` (a shell's) in it, and every file as it was.
+  void ExpectFailure(int code, const std::string& arguments, const char* pattern, const char* before = "") const {
+    SCOPED_TRACE(arguments);
+    const auto files = Files();
+    const Result result = Run(arguments, before);
+    EXPECT_EQ(result.code, code);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(std::ranges::count(result.err, '\n'), 1) << result.err;
+    EXPECT_EQ(fnmatch((std::string("itof: *") + pattern + "*\n").c_str(), result.err.c_str(), 0), 0) << result.err;
+    EXPECT_TRUE(Files() == files);
+  }
+
+  const fs::path folder_ = testing::TempDir() + "itof-tool-test-" + std::to_string(getpid());
+  Words words_;
+};
+
+TEST_F(ToolTest, EqualCamerasLeaveEveryWordInItsPlace) {
+  const Result result = Run("$align frame.raw", "ORVO_ENABLE_LOGS=0xffffffff");  // which counts with --log only
+  ASSERT_TRUE(result.code == 0 && result.err.empty()) << result.err;
+  EXPECT_EQ(Files().size(), 3 + 4);
+  Words expected, expectedDepth;
+  for (const uint16_t word : words_) {
+    expected.push_back(AlignedWord(word % 8192, word / 8192));
+    expectedDepth.push_back(static_cast<uint16_t>(expected.back() % 256 * 16));
+  }
+  EXPECT_TRUE(Read("out/frame.aligned.raw") == Bytes(expected));
+  const cv::Mat depth = cv::imread(folder_ / "out/frame.aligned.png", cv::IMREAD_UNCHANGED);
+  EXPECT_EQ(cv::norm(depth, Picture(expectedDepth), cv::NORM_INF), 0);
+  EXPECT_FALSE(cv::imread(folder_ / "out/frame.preview.png").empty());
+
+  const auto json = nlohmann::json::parse(Read("out/alignment.json"));
+  // cx and cy are 320 and 180 in the file; cells begin at whole positions. The sum is sha256sum's.
+  EXPECT_EQ(json["aux_camera"]["matrix"], nlohmann::json::parse("[[512,0,319.5],[0,512,179.5],[0,0,1]]"));
+  EXPECT_EQ(json["calibration"]["sha256"], "ce063636bedbe63edb68623f72615a798af76b05300d2782594109d0e1618221");
+  const auto zeros = static_cast<double>(std::ranges::count(expected, 0));
+  EXPECT_EQ(json["frames"][0]["share_of_aux_pixels_reached"], 1 - zeros / double{kPixels});
+
+  const Result loud = Run("$align --log frame.raw");
+  EXPECT_NE(loud.err.find("\nE [ERROR][UNKNOWN] itofinterface.cpp:328 itof_execute_algo() "), std::string::npos)
+      << loud.err;
+  EXPECT_TRUE(loud.out.starts_with("cost time(distort) : ")) << loud.out;
+  EXPECT_EQ(result.out.find("cost time"), std::string::npos) << result.out;
+
+  Write("good.bin", CalibrationBytes(IdentityCalibration({{51, 0.25F}})));
+  ASSERT_EQ(Run("$align frame.raw").code, 0);
+  EXPECT_EQ(nlohmann::json::parse(Read("out/alignment.json"))["aux_camera"]["distortion"]["k3"], 0.25);
+}
+
+TEST_F(ToolTest, AlignsMillimetresConfidenceAndWordsFromPng) {
+  cv::Mat depth(kHeight, kWidth, CV_16U, cv::Scalar(1000)), confidence(kHeight, kWidth, CV_8U);
+  Words expected(kPixels, AlignedWord(1000, 7));
+  Write("depth.png", depth);
+  depth.at<uint16_t>(6, 20) = 8191;
+  expected[6 * kWidth + 20] = AlignedWord(8191, 7);
+  depth.at<uint16_t>(5, 10) = 8192;
+  // Beyond the range it has no depth, so it goes where the pixel before it went, and wipes that out.
+  expected[5 * kWidth + 9] = AlignedWord(0, 7);
+  expected[5 * kWidth + 10] = 0;
+  Write("far.PNG", depth);
+  Write("aux.jpg", cv::Mat(720, 1280, CV_8UC3, cv::Scalar::all(90)));
+  const Result result = Run("$align --aux aux.jpg far.PNG frame.raw");
+  EXPECT_NE(result.out.find("far.PNG: 1\n"), std::string::npos) << result.out << result.err;
+  EXPECT_TRUE(Read("out/far.aligned.raw") == Bytes(expected));
+
+  Write("words.png", Picture(words_));
+  Run("$align --kind words words.png");
+  EXPECT_TRUE(Read("out/words.aligned.raw") == Read("out/frame.aligned.raw"));
+
+  for (size_t i = 0; i < kPixels; ++i) expected[i] = AlignedWord(1000, confidence.data[i] = i % 8);
+  Write("confidence.png", confidence);
+  ASSERT_EQ(Run("$align --confidence confidence.png depth.png").code, 0);
+  EXPECT_TRUE(Read("out/depth.aligned.raw") == Bytes(expected));
+}
+
+TEST_F(ToolTest, FailsWithOneLineAndKeepsWhatWasThere) {
+  Write("short.bin", Read("good.bin").substr(1));
+  Write("narrow.bin", CalibrationBytes(IdentityCalibration({{2, 512.0F}})));
+  Write("new\nline.raw", Read("frame.raw").substr(1));
+  Write("depth.png", Picture(words_));
+  Write("cut.png", Read("depth.png").substr(0, fs::file_size(folder_ / "depth.png") / 2));
+  Write("aux.jpg", cv::Mat(kHeight, kWidth, CV_8U, words_.data()));
+  Write("aux.jpg", Read("aux.jpg").substr(0, kPixels / 4));
+  Write("eight.png", cv::Mat(kHeight, kWidth, CV_8U, cv::Scalar(8)));
+  Write("large.png", cv::Mat(480, 640, CV_16U, cv::Scalar(1)));
+  fs::create_directory(folder_ / "out/depth.preview.png");
+  ASSERT_EQ(Run("$align frame.raw").code, 0);
+
+  ExpectFailure(2, "align frame.raw", "--calibration");
+  ExpectFailure(2, "$align --ratio 1e39 frame.raw", "--ratio* 1e+39");
+  ExpectFailure(2, "$align --kind feet frame.raw", "--kind*feet");
+  ExpectFailure(2, "$align --kind millimetres frame.raw", "frame.raw*--kind");
+  ExpectFailure(2, "$align frame.txt", "frame.txt*.raw");
+  ExpectFailure(2, "$align --confidence depth.png frame.raw", "--confidence");
+  ExpectFailure(2, "$align --aux aux.jpg --aux aux.jpg frame.raw", "--aux");
+  ExpectFailure(2, "$align frame.raw ./frame.raw", "./frame.raw*frame.aligned.raw");
+  ExpectFailure(2, "$align out/frame.aligned.raw out/frame.raw", "frame.aligned.raw*write over");
+  ExpectFailure(1, "$align frame.raw 'new\nline.raw'", "line.raw*460799*460800");
+  ExpectFailure(1, "$align cut.png", "cut.png*damaged");
+  ExpectFailure(1, "$align large.png", "large.png*640 x 480");
+  ExpectFailure(1, "$align --confidence eight.png depth.png", "eight.png*(0, 0)*confidence 8");
+  ExpectFailure(1, "$align --aux large.png frame.raw", "large.png*640 x 480");
+  ExpectFailure(1, "$align --aux aux.jpg frame.raw", "aux.jpg*damaged");
+  ExpectFailure(1, "align --calibration short.bin frame.raw", "short.bin*227*228");
+  ExpectFailure(1, "align --calibration narrow.bin frame.raw", "narrow.bin*tofCalibWidth*512*640");
+  ExpectFailure(1, "align --calibration good.bin --output good.bin frame.raw", "good.bin");
+  ExpectFailure(1, "align --calibration good.bin --output out/a/../b/ missing.raw", "missing.raw*No such file");
+  ExpectFailure(1, "$align frame.raw >/dev/full", "standard output*No space");
+  ExpectFailure(1, "$align depth.png", "depth.preview.png*directory");
+  // At most 450 blocks of 512 bytes: half of the aligned words.
+  ExpectFailure(1, "$align --ratio 2 frame.raw", "frame.aligned.raw*File too large", "ulimit -f 450 &&");
+}
+
+}  // namespace
