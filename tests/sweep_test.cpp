@@ -17,6 +17,7 @@
 #include "alignment/distortlut.h"
 #include "alignment/farplane.h"
 #include "alignment/matrixmultiply.h"
+#include "kernelbuildchoice.h"
 #include "plain/plainsteps.h"
 
 namespace {
@@ -120,8 +121,8 @@ Rig MakeRig(Random& random, Kind kind, int32_t width, int32_t height) {
   }
   params.tofWidth = width;
   params.tofHeight = height;
-  params.auxWidth = random.Integer(0, 2 * width + 3);
-  params.auxHeight = random.Integer(0, 2 * height + 3);
+  params.auxWidth = random.Integer(-1, 2 * width + 3);
+  params.auxHeight = random.Integer(-1, 2 * height + 3);
 
   // The same for the distorted image, whose centre is to be where the grid's centre goes.
   const double* ratio = context.auxRatioIntrinsics;
@@ -189,23 +190,39 @@ ptrdiff_t CompareDistortLUT(const Rig& rig) {
                        [](float entry) { return entry >= 0.0F; });
 }
 
-// Its maps are random ones: positions around the frames, on halves and integers too, some of them extreme.
+// Its maps are random ones: positions around the frames, on halves and integers too, some of them extreme, and many far
+// planes such that the ideal position is at the edge of a cell, or a few floats beside it.
 void CompareApproximateAlignment(Random& random, Rig& rig, Kind kind) {
   AlignmentContext& context = rig.context;
-  const itof::AlignmentParams& params = context.params;
+  itof::AlignmentParams& params = context.params;
   if (kind == Kind::kDistant) std::ranges::fill(context.auxRatioIntrinsics, random.Between(-40.0, 40.0));
+  if (kind != Kind::kExtreme && random.OneIn(2)) {
+    // A parallax of up to the grid's width at codes of up to some thousands.
+    for (double& t : params.translation) t *= random.Between(0.0, 4000.0);
+  }
+  const double parallax[2] = {context.auxRatioIntrinsics[0] * params.translation[0],
+                              context.auxRatioIntrinsics[4] * params.translation[1]};
   const auto position = [&](int32_t side) {
     if (kind == Kind::kExtreme && random.OneIn(8)) return static_cast<float>(random.Extreme());
     const double any = random.Between(-2.0, 1.2 * side + 2.0);
     return static_cast<float>(random.OneIn(4) ? std::floor(2.0 * any) / 2.0 : any);
   };
+  const auto farPlane = [&](int32_t side, double p, int32_t code) {
+    if (code == 0 || random.OneIn(2)) return position(side);
+    float far = static_cast<float>(random.Integer(-1, side + 1) - 0.5 - p / (code / 10.0));
+    const float end = random.OneIn(2) ? HUGE_VALF : -HUGE_VALF;
+    for (int32_t i = random.Integer(0, 6); i > 0; --i) far = std::nextafter(far, end);
+    return far;
+  };
   std::array<std::vector<float>, 4> maps;
   std::vector<uint16_t> frame;
   for (size_t i = 0; i < itof::PixelCount(params.tofWidth, params.tofHeight); ++i) {
-    for (size_t m : {0U, 2U}) maps[m].push_back(position(params.tofWidth));
-    for (size_t m : {1U, 3U}) maps[m].push_back(position(params.tofHeight));
     const int32_t code = random.OneIn(4) ? 0 : random.Integer(1, random.OneIn(4) ? 20 : 8191);
     frame.push_back(static_cast<uint16_t>(code | random.Integer(0, 7) << 13));
+    maps[0].push_back(farPlane(params.tofWidth, parallax[0], code));
+    maps[1].push_back(farPlane(params.tofHeight, parallax[1], code));
+    maps[2].push_back(position(params.tofWidth));
+    maps[3].push_back(position(params.tofHeight));
   }
 
   Output<uint16_t> working(params.auxWidth, params.auxHeight, 0xABCD);
@@ -228,23 +245,27 @@ TEST(Sweep, StepsEqualTheirPlainForms) {
   for (int32_t width = 0; width <= 2 * 16 + 1; ++width) {
     for (int32_t height : {0, 1, 2, 5}) sizes.push_back({width, height});
   }
-  Random random;
-  ptrdiff_t stored = 0;
-  for (const auto& [width, height] : sizes) {
-    for (Kind kind : {Kind::kGentle, Kind::kDistant, Kind::kExtreme}) {
-      for (int round = 0; round < 4; ++round) {
-        SCOPED_TRACE(testing::Message() << width << " x " << height << ", kind " << static_cast<int>(kind));
-        Rig rig = MakeRig(random, kind, width, height);
-        if (kind == Kind::kExtreme) MakeExtreme(random, rig);
-        CompareFarPlane(rig);
-        if (kind == Kind::kExtreme && random.OneIn(4)) Spoil(random, rig.context.auxRatioIntrinsics);
-        stored += CompareDistortLUT(rig);
-        CompareApproximateAlignment(random, rig, kind);
-        if (HasFailure()) return;
+  for (const itof::KernelBuild build : KernelBuilds()) {
+    g_kernelBuild = build;
+    Random random;
+    ptrdiff_t stored = 0;
+    for (const auto& [width, height] : sizes) {
+      for (Kind kind : {Kind::kGentle, Kind::kDistant, Kind::kExtreme}) {
+        for (int round = 0; round < 8; ++round) {
+          SCOPED_TRACE(testing::Message() << width << " x " << height << ", kind " << static_cast<int>(kind)
+                                          << ", kernel build " << static_cast<int>(build));
+          Rig rig = MakeRig(random, kind, width, height);
+          if (kind == Kind::kExtreme) MakeExtreme(random, rig);
+          CompareFarPlane(rig);
+          if (kind == Kind::kExtreme && random.OneIn(4)) Spoil(random, rig.context.auxRatioIntrinsics);
+          stored += CompareDistortLUT(rig);
+          CompareApproximateAlignment(random, rig, kind);
+          if (HasFailure()) return;
+        }
       }
     }
+    EXPECT_GT(stored, 10000);
   }
-  EXPECT_GT(stored, 10000);
 }
 
 TEST(Sweep, MatrixMultiplyEqualsItsPlainForm) {

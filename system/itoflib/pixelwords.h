@@ -22,11 +22,8 @@ constexpr uint16_t DepthCode(uint16_t depthWord) { return depthWord & 0x1FFF; }
 /// Confidence of a depth word: 0..7.
 constexpr uint8_t Confidence(uint16_t depthWord) { return static_cast<uint8_t>(depthWord >> 13); }
 
-/// The working word of a depth word, given its confidence (0..7): bit 12 and the low four bits of the code
-/// are lost.
-constexpr uint16_t WorkingWord(uint16_t depthWord, uint8_t confidence) {
-  return static_cast<uint16_t>((depthWord & 0x0FF0) | (confidence << 13));
-}
+/// The working word of a depth word: bit 12 and the low four bits of the code are lost.
+constexpr uint16_t WorkingWord(uint16_t depthWord) { return depthWord & 0xEFF0; }
 
 /// The aligned word of a working word.
 constexpr uint16_t AlignedWord(uint16_t workingWord) {

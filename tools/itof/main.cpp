@@ -11,6 +11,7 @@
 #include <new>
 #include <string>
 
+#include "alignment/kernelbuild.h"
 #include "commands.h"
 #include "errors.h"
 
@@ -35,21 +36,11 @@ void OpenStandardStreams() {
   }
 }
 
-#if defined(__AVX2__) && defined(__FMA__)
-constexpr char kInstructionSet[] = "x86-64 with AVX2 and FMA";
-#elif defined(__x86_64__)
-constexpr char kInstructionSet[] = "x86-64 baseline";
-#elif defined(__aarch64__)
-constexpr char kInstructionSet[] = "64-bit Arm baseline";
-#else
-constexpr char kInstructionSet[] = "baseline of the processor";
-#endif
-
 /// Throws what a command throws.
 int Run(int argc, char** argv) {
   CLI::App app("Aligns depth frames of a time-of-flight camera with the view of a second camera.", "itof");
-  app.set_version_flag("--version",
-                       std::string("itof " ITOF_VERSION ", " ITOF_BUILD_TYPE " build, ") + kInstructionSet);
+  app.set_version_flag("--version", std::string("itof " ITOF_VERSION ", " ITOF_BUILD_TYPE " build, ") +
+                                        itof::KernelBuildName(itof::PickKernelBuild()));
   // Not one at least, or the parser would ask for it where it should name the word that it does not know.
   app.require_subcommand(0, 1);
   itoftool::AddAlignCommand(app);

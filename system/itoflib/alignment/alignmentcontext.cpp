@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "alignment/matrixmultiply.h"
+#include "alignment/targettable.h"
 
 namespace itof {
 namespace {
@@ -45,6 +46,7 @@ void InitAlignmentContext(AlignmentContext& context, const AlignmentParams& para
   context.farPlaneMapY = std::make_unique<float[]>(tofPixels);
   context.distortMapX = std::make_unique<float[]>(tofPixels);
   context.distortMapY = std::make_unique<float[]>(tofPixels);
+  context.targets.resize(IdealGrid(params, distortionEnabled != 0).CountWithBorder());
 
   AlignmentParams& p = context.params;
   ScaleIntrinsics(p.tofIntrinsics, p.tofWidth, p.tofCalibWidth, p.tofHeight, p.tofCalibHeight);
@@ -59,6 +61,7 @@ void ReleaseAlignmentContext(AlignmentContext& context) {
   context.farPlaneMapY.reset();
   context.distortMapX.reset();
   context.distortMapY.reset();
+  context.targets = {};
 }
 
 }  // namespace itof

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "calibration/alignmentparams.h"
 
@@ -45,6 +46,8 @@ struct AlignmentContext {
   uint8_t distortionEnabled;
   CameraModel tofModel;
   CameraModel auxModel;
+  /// Storage of RunApproximateAlignment, filled anew in each call; its shape is that of FillTargetTable.
+  std::vector<uint32_t> targets;
 };
 
 /// Pixels of a grid; 0 if a side is below 1.

@@ -1,22 +1,65 @@
-// Far plane plus parallax stands in for a projection of each 3-D point: two divisions a pixel instead of a matrix
-// product and a lens model.
+// Far plane plus parallax stands in for a projection of each 3-D point. Cells are found for many pixels at once; the
+// scatter goes pixel by pixel, since the last pixel wins and those without depth follow the one before them.
 #include "alignment/approximatealignment.h"
 
 #include <cstdio>
 #include <ctime>
 
-#include "integerpart.h"
+#include "alignment/idealcells.h"
+#include "alignment/kernelbuild.h"
+#include "alignment/targettable.h"
 #include "pixelwords.h"
 
 namespace itof {
 namespace {
 
-constexpr bool Inside(int32_t u, int32_t v, int32_t width, int32_t height) {
-  return u >= 0 && u < width && v >= 0 && v < height;
+/// Moves `count` pixels, at most kCellBlock, to the targets of their ideal cells. `carried` is the target of the last
+/// pixel with depth, from block to block.
+ITOF_KERNEL inline void AlignBlock(const Parallax& parallax, Grid ideal, const uint32_t* targets,
+                                   const uint16_t* __restrict words, const float* farX, const float* farY,
+                                   int32_t count, uint8_t* __restrict confidence, uint16_t* workingBuffer,
+                                   uint32_t& carried) {
+  for (int32_t i = 0; i < count; ++i) confidence[i] = Confidence(words[i]);
+
+  int32_t cells[kCellBlock];
+  FindIdealCells(parallax, ideal, words, farX, farY, count, cells);
+  // The table is larger than the caches near the processor. Neighbours go to neighbours, so that every eighth pixel
+  // names nearly all of its lines that the block needs.
+  for (int32_t i = 0; i < count; i += 8) __builtin_prefetch(targets + cells[i]);
+
+  uint32_t target = carried;
+#pragma GCC unroll 4
+  for (int32_t i = 0; i < count; ++i) {
+    const uint32_t own = targets[static_cast<uint32_t>(cells[i])];
+    target = DepthCode(words[i]) == 0 ? target : own;
+    if (target != kDropped) workingBuffer[target] = WorkingWord(words[i]);
+  }
+  carried = target;
 }
 
-constexpr size_t Index(int32_t u, int32_t v, int32_t width) {
-  return static_cast<size_t>(v) * static_cast<size_t>(width) + static_cast<size_t>(u);
+void AlignFrame(AlignmentContext& context, const uint16_t* frame, uint16_t* workingBuffer, const float* farPlaneMapX,
+                const float* farPlaneMapY, const float* distortMapX, const float* distortMapY) {
+  const AlignmentParams& params = context.params;
+  const bool distortion = context.distortionEnabled != 0;
+  const Grid ideal = IdealGrid(params, distortion);
+  const Parallax parallax = MakeParallax(context.auxRatioIntrinsics[0] * params.translation[0],
+                                         context.auxRatioIntrinsics[4] * params.translation[1], ideal);
+  context.targets.resize(ideal.CountWithBorder());  // grows only if InitAlignmentContext did not make the context
+  const size_t pixels = PixelCount(params.tofWidth, params.tofHeight);
+
+  RunKernel([&]() ITOF_KERNEL {
+    uint32_t* targets = context.targets.data();
+    FillTargetTable(params, distortion, distortMapX, distortMapY, targets);
+    uint8_t* confidence = context.confidence.get();
+    uint32_t target = targets[ideal.IndexWithBorder(0, 0)];
+    const auto alignBlock = [&](size_t i, int32_t count) ITOF_KERNEL {
+      AlignBlock(parallax, ideal, targets, frame + i, farPlaneMapX + i, farPlaneMapY + i, count, confidence + i,
+                 workingBuffer, target);
+    };
+    size_t i = 0;
+    for (; i + kCellBlock <= pixels; i += kCellBlock) alignBlock(i, kCellBlock);  // of a size that the compiler knows
+    alignBlock(i, static_cast<int32_t>(pixels - i));
+  });
 }
 
 }  // namespace
@@ -25,35 +68,9 @@ int32_t RunApproximateAlignment(AlignmentContext& context, const uint16_t* frame
                                 const float* farPlaneMapX, const float* farPlaneMapY, const float* distortMapX,
                                 const float* distortMapY) {
   const std::clock_t start = std::clock();
-  const AlignmentParams& params = context.params;
-  // Parallax in pixels at a depth of 1.
-  const double parallaxX = context.auxRatioIntrinsics[0] * params.translation[0];
-  const double parallaxY = context.auxRatioIntrinsics[4] * params.translation[1];
-
-  // Carried over pixels without depth, across the ends of rows.
-  double idealX = 0.0;
-  double idealY = 0.0;
-  const size_t tofPixels = PixelCount(params.tofWidth, params.tofHeight);
-  for (size_t i = 0; i < tofPixels; ++i) {
-    const uint16_t word = frame[i];
-    context.confidence[i] = Confidence(word);
-    const double depth = DepthCode(word) / 10.0;
-    if (depth != 0) {
-      idealX = parallaxX / depth + static_cast<double>(farPlaneMapX[i]);
-      idealY = parallaxY / depth + static_cast<double>(farPlaneMapY[i]);
-    }
-    int32_t u = IntegerPart(idealX + 0.5);
-    int32_t v = IntegerPart(idealY + 0.5);
-    if (context.distortionEnabled != 0 && Inside(u, v, params.tofWidth, params.tofHeight)) {
-      const size_t cell = Index(u, v, params.tofWidth);
-      u = IntegerPart(static_cast<double>(distortMapX[cell]));
-      v = IntegerPart(static_cast<double>(distortMapY[cell]));
-    }
-    if (Inside(u, v, params.auxWidth, params.auxHeight)) {
-      workingBuffer[Index(u, v, params.auxWidth)] = WorkingWord(word, context.confidence[i]);
-    }
+  if (PixelCount(context.params.tofWidth, context.params.tofHeight) > 0) {
+    AlignFrame(context, frame, workingBuffer, farPlaneMapX, farPlaneMapY, distortMapX, distortMapY);
   }
-
   const std::clock_t end = std::clock();
   std::printf("cost time(distort) : %lf (s)\n", static_cast<double>(end - start) / 1000000.0);
   return 1;

@@ -1,0 +1,85 @@
+// Where the pixels of each ideal position land in the aux frame, as one index: the lens table's two positions, cut to
+// integers and tested, so that no pixel has to do it again.
+#ifndef ITOF_ALIGNMENT_TARGETTABLE_H_
+#define ITOF_ALIGNMENT_TARGETTABLE_H_
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+
+#include "alignment/alignmentcontext.h"
+#include "alignment/kernelbuild.h"
+
+namespace itof {
+
+/// In the place of a target: outside the aux frame.
+inline constexpr uint32_t kDropped = std::numeric_limits<uint32_t>::max();
+
+/// A grid of cells, at most 2^31 with its border. No side is below 0.
+struct Grid {
+  int32_t width, height;
+
+  /// Without a branch, so that it can be asked of many cells at once.
+  ITOF_KERNEL constexpr bool Holds(int32_t u, int32_t v) const {
+    return (static_cast<uint32_t>(u) < static_cast<uint32_t>(width)) &
+           (static_cast<uint32_t>(v) < static_cast<uint32_t>(height));
+  }
+
+  /// Index of a cell in a table that has a border of one cell around the grid; u from -1 to width, v from -1 to height.
+  ITOF_KERNEL constexpr int32_t IndexWithBorder(int32_t u, int32_t v) const { return (v + 1) * (width + 2) + u + 1; }
+
+  constexpr size_t CountWithBorder() const {
+    return (static_cast<size_t>(width) + 2) * (static_cast<size_t>(height) + 2);
+  }
+};
+
+/// The ideal positions that can lead anywhere: those that the lens table has, and those of the aux frame, where
+/// positions that it does not have land unchanged.
+inline Grid IdealGrid(const AlignmentParams& params, bool distortion) {
+  const int32_t width = std::max({params.auxWidth, distortion ? params.tofWidth : 0, 0});
+  const int32_t height = std::max({params.auxHeight, distortion ? params.tofHeight : 0, 0});
+  return {width, height};
+}
+
+namespace internal {
+
+/// The integer part of a table entry, not-a-number 0. All that lies beyond `bound`, which is beyond the aux frame, is
+/// alike, so that the conversion is defined; a bound on either side from one number compiles to a minimum and a maximum.
+ITOF_KERNEL inline int32_t CutEntry(float entry, float bound) {
+  entry = entry == entry ? entry : 0.0F;
+  entry = entry > -bound ? entry : -bound;
+  return static_cast<int32_t>(entry < bound ? entry : bound);
+}
+
+}  // namespace internal
+
+/// Fills `table`, which has a border of one cell around the ideal grid, with indices into the aux frame or kDropped.
+/// The maps are those of DistortLUT. The ToF frame must have pixels.
+ITOF_KERNEL inline void FillTargetTable(const AlignmentParams& params, bool distortion, const float* mapX,
+                                        const float* mapY, uint32_t* table) {
+  const Grid ideal = IdealGrid(params, distortion);
+  const Grid aux{std::max(params.auxWidth, 0), std::max(params.auxHeight, 0)};
+  const float bound = std::min(2.0F * static_cast<float>(std::max(aux.width, aux.height)), 0x1.fffffep30F);
+  std::fill_n(table, ideal.width + 2, kDropped);
+  std::fill_n(table + ideal.IndexWithBorder(-1, ideal.height), ideal.width + 2, kDropped);
+  for (int32_t row = 0; row < ideal.height; ++row) {
+    uint32_t* __restrict targets = table + ideal.IndexWithBorder(0, row);
+    const int32_t mapped = distortion && row < params.tofHeight ? params.tofWidth : 0;
+    const float* __restrict x = mapX + ptrdiff_t{row} * mapped;
+    const float* __restrict y = mapY + ptrdiff_t{row} * mapped;
+    for (int32_t column = 0; column < mapped; ++column) {
+      const int32_t u = internal::CutEntry(x[column], bound);
+      const int32_t v = internal::CutEntry(y[column], bound);
+      targets[column] = aux.Holds(u, v) ? static_cast<uint32_t>(v * aux.width + u) : kDropped;
+    }
+    for (int32_t column = mapped; column < ideal.width; ++column) {
+      targets[column] = aux.Holds(column, row) ? static_cast<uint32_t>(row * aux.width + column) : kDropped;
+    }
+    targets[-1] = targets[ideal.width] = kDropped;
+  }
+}
+
+}  // namespace itof
+
+#endif  // ITOF_ALIGNMENT_TARGETTABLE_H_

@@ -1,0 +1,47 @@
+// Which build of the kernels runs. Without this, one that is never picked would pass every other test.
+#include "alignment/kernelbuild.h"
+
+#include <gtest/gtest.h>
+#ifdef __x86_64__
+#include <cpuid.h>
+#endif
+
+#include <vector>
+
+#include "alignment/distortlut.h"
+
+namespace {
+
+int g_fusedCalls = 0;
+
+}  // namespace
+
+// In place of the C library's, which the baseline build calls for each fused step, and the vector build never.
+extern "C" double fma(double a, double b, double c) {
+  ++g_fusedCalls;
+  return a * b + c;
+}
+
+namespace {
+
+TEST(KernelBuild, IsTheVectorBuildWhereTheProcessorHasIt) {
+#ifdef __x86_64__
+  // Asked of the processor itself, and so right in an emulator, too.
+  unsigned a = 0, b = 0, c = 0, d = 0;
+  ASSERT_NE(__get_cpuid(1, &a, &b, &c, &d), 0);
+  const bool fusedSteps = (c & bit_FMA) != 0 && (c & bit_OSXSAVE) != 0;
+  const bool vectors = __get_cpuid_count(7, 0, &a, &b, &c, &d) != 0 && (b & bit_AVX2) != 0;
+  const bool expected = fusedSteps && vectors;
+  EXPECT_EQ(itof::PickKernelBuild(), expected ? itof::KernelBuild::kAvx2Fma : itof::KernelBuild::kBaseline);
+
+  itof::AlignmentContext context{};
+  context.params.tofWidth = context.params.tofHeight = 8;
+  std::vector<float> map(64);
+  itof::DistortLUT(context, map.data(), map.data());
+  EXPECT_EQ(g_fusedCalls == 0, expected) << g_fusedCalls << " fused steps by the C library";
+#else
+  EXPECT_EQ(itof::PickKernelBuild(), itof::KernelBuild::kBaseline);
+#endif
+}
+
+}  // namespace
