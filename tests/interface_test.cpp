@@ -194,15 +194,16 @@ TEST_F(Interface, PerformanceLinesOfAFirstAndALaterFrame) {
 TEST_F(Interface, FailedAllocationsChangeNothing) {
   g_platform.file = CalibrationBytes(ShiftedPair(10));
   ASSERT_EQ(itof_init(), ITOF_OK);
+  Frame frame = FrameOf(0x2345);
+  g_allocationsUntilFailure = 0;
+  EXPECT_THROW(itof_execute_algo(frame.data(), 1), std::bad_alloc) << "the first frame has no memory yet";
+  g_allocationsUntilFailure = -1;
+  EXPECT_EQ(frame, FrameOf(0x2345));
+
   g_platform.file = CalibrationBytes(ShiftedPair(20));
   int failures = -1;
   for (bool failed = true; failed;) {  // the first allocation of a call, the second, and so on until it succeeds
     ASSERT_EQ(PresentShift(), 10);
-    Frame frame = FrameOf(0x2345);
-    g_allocationsUntilFailure = 0;
-    EXPECT_THROW(itof_execute_algo(frame.data(), 1), std::bad_alloc);
-    g_allocationsUntilFailure = -1;
-    EXPECT_EQ(frame, FrameOf(0x2345));
     g_platform.opened.clear();
     g_platform.events.clear();
     const long live = g_liveAllocations;
@@ -217,8 +218,15 @@ TEST_F(Interface, FailedAllocationsChangeNothing) {
     g_allocationsUntilFailure = -1;
     EXPECT_EQ(g_platform.openStreams, 0);
   }
-  EXPECT_GE(failures, 6);  // the library's own: the record and five buffers; the recorder's may fail, too
+  EXPECT_GE(failures, 7);  // the library's own: the record and six buffers; the recorder's may fail, too
   EXPECT_EQ(PresentShift(), 20);
+
+  g_platform.events.reserve(100);
+  const long live = g_liveAllocations;
+  g_allocationsUntilFailure = 0;
+  for (int run = 0; run < 2; ++run, itof_deinit()) EXPECT_EQ(itof_execute_algo(frame.data(), 1), 0);
+  EXPECT_EQ(g_liveAllocations, live) << "later frames need no memory, whether they begin a run or not";
+  g_allocationsUntilFailure = -1;
 }
 
 }  // namespace

@@ -1,9 +1,11 @@
 // The three exported functions, the library-wide state that they share, and the road of one frame.
 #include "itofinterface.h"
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <opencv2/core.hpp>
+#include <span>
 #include <utility>
 
 #include "alignment/alignmentcontext.h"
@@ -26,8 +28,17 @@ struct LibraryContext : AlignmentContext {
   ~LibraryContext() { ReleaseAlignmentContext(*this); }
 };
 
+/// The bytes behind the objects of one frame. Those objects come and go with each frame; fresh bytes for them would
+/// cost more page faults than the alignment costs time. Every word is written before it is read, in every frame.
+struct FrameMemory {
+  uint16_t working[kFrameWidth * kFrameHeight];
+  uint16_t packed[kFrameWidth * kFrameHeight];
+  uint16_t staging[kFrameWidth * kFrameHeight];
+};
+
 AlignmentParams alignment_params;
 LibraryContext alignment_context;
+std::unique_ptr<FrameMemory> frame_memory;  // from the first frame until the library is unloaded
 bool init_done;
 int32_t tof_calib_width;
 float aux_fl_ratio;
@@ -36,8 +47,8 @@ bool tables_prepared;
 /// Repacks every working word of one container into the other, of the same shape.
 void PackAlignedWords(const cv::Mat& working, cv::Mat& aligned) {
   for (int row = 0; row < working.rows; ++row) {
-    const auto* from = working.ptr<uint16_t>(row);
-    auto* to = aligned.ptr<uint16_t>(row);
+    const auto* __restrict from = working.ptr<uint16_t>(row);
+    auto* __restrict to = aligned.ptr<uint16_t>(row);
     for (int column = 0; column < working.cols; ++column) to[column] = AlignedWord(from[column]);
   }
 }
@@ -83,7 +94,9 @@ int32_t itof_execute_algo(uint16_t* frame, float ratio) {
 
   const size_t sourceCount = PixelCount(alignment_params.tofWidth, alignment_params.tofHeight);
   const size_t targetCount = PixelCount(alignment_params.auxWidth, alignment_params.auxHeight);
-  auto workingBuffer = std::make_unique<uint16_t[]>(targetCount);
+  if (!frame_memory) frame_memory = std::make_unique_for_overwrite<FrameMemory>();
+  const std::span<uint16_t> workingBuffer(frame_memory->working, targetCount);
+  std::ranges::fill(workingBuffer, uint16_t{0});
   ITOF_PERFORMANCE_LOG(307, "[Velmor_Perf] WarpTest algo !,aux_fl_ratio is %f ms", static_cast<double>(aux_fl_ratio));
 
   if (!tables_prepared) {
@@ -102,7 +115,7 @@ int32_t itof_execute_algo(uint16_t* frame, float ratio) {
   }
 
   const ZerunTime stepStart = TimeStamp();
-  RunApproximateAlignment(context, frame, workingBuffer.get(), context.farPlaneMapX.get(), context.farPlaneMapY.get(),
+  RunApproximateAlignment(context, frame, workingBuffer.data(), context.farPlaneMapX.get(), context.farPlaneMapY.get(),
                           context.distortMapX.get(), context.distortMapY.get());
   const ZerunTime stepEnd = TimeStamp();
   ITOF_PERFORMANCE_LOG(341, "[Velmor_Perf] RunApproximateAlignment ! used time is %d ms",
@@ -110,16 +123,15 @@ int32_t itof_execute_algo(uint16_t* frame, float ratio) {
 
   // Three sizes agree here, or itof_init would have refused the calibration: the containers', the working buffer's and
   // the caller's frame's.
-  cv::Mat packed(kFrameHeight, tof_calib_width, CV_16U);
-  cv::Mat staging(kFrameHeight, tof_calib_width, CV_16U);
-  std::memcpy(staging.data, workingBuffer.get(), staging.total() * staging.elemSize());
+  cv::Mat packed(kFrameHeight, tof_calib_width, CV_16U, frame_memory->packed);
+  cv::Mat staging(kFrameHeight, tof_calib_width, CV_16U, frame_memory->staging);
+  std::memcpy(staging.data, workingBuffer.data(), staging.total() * staging.elemSize());
   PackAlignedWords(staging, packed);
   std::memcpy(frame, packed.data, sourceCount * sizeof *frame);
   const ZerunTime frameEnd = TimeStamp();
   ITOF_PERFORMANCE_LOG(364, "[Velmor_Perf] WarpTest algo !, total used time is %d ms",
                        MillisecondsBetween(frameStart, frameEnd));
 
-  workingBuffer.reset();
   staging.release();
   packed.release();
   return 0;

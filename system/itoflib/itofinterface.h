@@ -12,12 +12,13 @@
  * never itof_init or itof_deinit while a frame runs. Nor may the library be unloaded or the process exit while a call
  * runs, and no call may come after that has begun.
  *
- * Exceptions: a failed allocation leaves itof_init or itof_execute_algo as a C++ exception (std::bad_alloc, or
- * cv::Exception from the frame's containers). A host in C cannot catch it, and the process ends.
+ * Exceptions: a failed allocation leaves itof_init, or the first frame after the library was loaded, as a C++ exception
+ * (std::bad_alloc). A host in C cannot catch it, and the process ends. Later frames allocate nothing.
  *
- * Memory: 3,916,800 bytes from itof_init until the library is unloaded or the process exits (four maps of 640 x 360
- * floats, one byte per pixel), as much again while a repeated itof_init runs, and 1,382,400 bytes during each frame.
- * itof_deinit releases nothing.
+ * Memory, until the library is unloaded or the process exits: 4,846,416 bytes from itof_init on (four maps of 640 x 360
+ * floats, one byte per pixel, and a table of 642 x 362 32-bit integers), as much again while a repeated itof_init runs;
+ * and 1,382,400 bytes from the first frame on, the three copies of the frame that are in work. These are written anew in
+ * each frame before they are read, so that nothing of an earlier frame comes through. itof_deinit releases nothing.
  */
 #ifndef ITOFINTERFACE_H_
 #define ITOFINTERFACE_H_
@@ -50,7 +51,7 @@ extern "C" {
  * is as it was before the call: as loaded after a failed first call; with the calibration, the tables and the run that
  * it had after a failed later one. Writes no log line.
  *
- * On success the run ends, as with itof_deinit, and the tables start out as zeros. Cost: one file read, 4 MB cleared.
+ * On success the run ends, as with itof_deinit, and the tables start out as zeros. Cost: one file read, 5 MB cleared.
  */
 int32_t itof_init(void);
 
@@ -98,15 +99,14 @@ int32_t itof_init(void);
  * Nothing refuses a ratio; only those of 1 and above are of use.
  *
  * Before a successful itof_init the frame stays as it is, and nothing is logged or printed. After an exception the
- * frame is unchanged and the library usable; lines may have been written, and the run may have begun with this call's
- * ratio.
+ * frame and the library are as they were before the call.
  *
  * Each call prints one line, "cost time(distort) : <seconds> (s)", to standard output, which no gate controls. In a
  * daemon, open file descriptor 1 on /dev/null before the first frame: left closed, the next file that the process opens
  * takes its number, and receives the lines. The performance lines in the framework's log have gates of the framework.
  *
- * Cost: the first frame of a run builds the tables, several times the cost of a later frame, which is one pass over the
- * pixels. Returns 0 always.
+ * Cost: the first frame of a run builds the tables, some four times the cost of a later frame, which is one pass over
+ * the pixels; docs/performance.md has figures. Returns 0 always.
  */
 int32_t itof_execute_algo(uint16_t* frame, float ratio);
 
