@@ -195,6 +195,7 @@ TEST_F(Interface, FailedAllocationsChangeNothing) {
   g_platform.file = CalibrationBytes(ShiftedPair(10));
   ASSERT_EQ(itof_init(), ITOF_OK);
   Frame frame = FrameOf(0x2345);
+  g_platform.events.reserve(100);  // so that only the library allocates
   g_allocationsUntilFailure = 0;
   EXPECT_THROW(itof_execute_algo(frame.data(), 1), std::bad_alloc) << "the first frame has no memory yet";
   g_allocationsUntilFailure = -1;

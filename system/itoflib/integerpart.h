@@ -1,5 +1,7 @@
-// The one conversion from floating point to integer. The language leaves values outside the range undefined, and
-// processors differ there: x86 gives the lowest integer for all of them, Arm saturates.
+// The conversion from floating point to integer for values that may be anything. The language leaves values outside the
+// range undefined, and processors differ there: x86 gives the lowest integer for all of them, Arm saturates. The kernels
+// convert many values at once; they clamp them to the neighbourhood of a grid first, which is in range and changes no
+// result.
 #ifndef ITOF_INTEGERPART_H_
 #define ITOF_INTEGERPART_H_
 

@@ -25,8 +25,8 @@ struct CameraModel {
   double invFx, invFy;  // 1 / fx, 1 / fy
 };
 
-/// Shared state of the alignment steps. Every buffer is a row-major grid of tofWidth x tofHeight entries, the entry of
-/// column x in row y at y * tofWidth + x. Positions are in pixels, integers at the centres of pixels. A
+/// Shared state of the alignment steps. Every buffer but the last is a row-major grid of tofWidth x tofHeight entries,
+/// the entry of column x in row y at y * tofWidth + x. Positions are in pixels, integers at the centres of pixels. A
 /// value-initialised context is the empty one.
 struct AlignmentContext {
   /// Per ToF pixel, the column and row of the ideal aux image, at the run's ratio, at which the aux camera sees that
@@ -46,7 +46,8 @@ struct AlignmentContext {
   uint8_t distortionEnabled;
   CameraModel tofModel;
   CameraModel auxModel;
-  /// Storage of RunApproximateAlignment, filled anew in each call; its shape is that of FillTargetTable.
+  /// Storage of RunApproximateAlignment, filled anew in each call: one entry per cell of a grid that holds the ToF and
+  /// the aux frame, with a border of one cell; at most 2^31.
   std::vector<uint32_t> targets;
 };
 
@@ -67,7 +68,7 @@ constexpr std::array<double, 9> ScaleMatrix(double scaleX, double scaleY) {
 /// the context.
 void InitAlignmentContext(AlignmentContext& context, const AlignmentParams& params, uint8_t distortionEnabled);
 
-/// Frees the buffers: confidence, far-plane maps, distortion maps, in this order. The other fields stay.
+/// Frees the buffers: confidence, far-plane maps, distortion maps, targets, in this order. The other fields stay.
 void ReleaseAlignmentContext(AlignmentContext& context);
 
 }  // namespace itof

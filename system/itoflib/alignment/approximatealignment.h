@@ -18,7 +18,8 @@ namespace itof {
 ///
 /// Writes `confidence` of `context` for every ToF pixel, and one line with the processor time taken to standard output.
 /// All maps have tofWidth x tofHeight entries and are those that AlignmentFarPlane and DistortLUT filled for the run.
-/// Returns 1.
+/// No buffer may overlap another. Returns 1. Allocates nothing for a context from InitAlignmentContext; for one built
+/// otherwise it makes `targets` large enough first, and throws std::bad_alloc, nothing written, if it cannot.
 int32_t RunApproximateAlignment(AlignmentContext& context, const uint16_t* frame, uint16_t* workingBuffer,
                                 const float* farPlaneMapX, const float* farPlaneMapY, const float* distortMapX,
                                 const float* distortMapY);

@@ -10,7 +10,7 @@ namespace itof {
 inline constexpr double kFarPlaneDepth = 2147483647.0;
 
 /// Sets `auxRatioIntrinsics` of `context` to the aux camera matrix resized by `scaleX` and `scaleY`, and, for each ToF
-/// pixel, the two maps (tofWidth x tofHeight entries) to the column and row of that resized ideal image at which the
+/// pixel, the two maps (tofWidth x tofHeight entries, not overlapping) to the column and row of that resized ideal image at which the
 /// aux camera sees the pixel at the far plane. With `distortionEnabled` the ToF pixel is undistorted first, by three
 /// fixed-point rounds of the inverse lens model, as OpenCV's undistortPoints does them. Entries of a pixel whose point
 /// is not in front of the aux camera are left as they are.

@@ -85,8 +85,8 @@ ITOF_KERNEL inline void FindIdealCells(const Parallax& parallax, Grid grid, cons
     float y = (estimateY * inverse + lowerHalf) + farY[i];
     x = x > -boundX ? x : -boundX;
     y = y > -boundY ? y : -boundY;
-    x = x < boundX ? x : boundX;
-    y = y < boundY ? y : boundY;
+    x = boundX < x ? boundX : x;
+    y = boundY < y ? boundY : y;
     const int32_t u = static_cast<int32_t>(x);
     const int32_t v = static_cast<int32_t>(y);
     const float notANumber = farX[i] + farY[i];

@@ -17,9 +17,9 @@ inline constexpr int32_t kMapBlock = 128;
 template <typename Wanted>
 ITOF_KERNEL inline void StorePositions(const double (&u)[kMapBlock], const double (&v)[kMapBlock], int32_t count,
                                        const Wanted& wanted, float* __restrict mapX, float* __restrict mapY) {
-  int64_t unwanted = 0;
-  for (int32_t i = 0; i < count; ++i) unwanted |= wanted(i) ? 0 : 1;
-  if (unwanted == 0) {
+  int64_t wantedCount = 0;
+  for (int32_t i = 0; i < count; ++i) wantedCount += wanted(i);
+  if (wantedCount == count) {
     for (int32_t i = 0; i < count; ++i) {
       mapX[i] = static_cast<float>(u[i]);
       mapY[i] = static_cast<float>(v[i]);

@@ -35,8 +35,9 @@ struct Grid {
 };
 
 /// The ideal positions that can lead anywhere: those that the lens table has, and those of the aux frame, where
-/// positions that it does not have land unchanged.
+/// positions that it does not have land unchanged. Nothing, if the aux frame has no pixels.
 inline Grid IdealGrid(const AlignmentParams& params, bool distortion) {
+  if (PixelCount(params.auxWidth, params.auxHeight) == 0) return {0, 0};
   const int32_t width = std::max({params.auxWidth, distortion ? params.tofWidth : 0, 0});
   const int32_t height = std::max({params.auxHeight, distortion ? params.tofHeight : 0, 0});
   return {width, height};
@@ -49,7 +50,7 @@ namespace internal {
 ITOF_KERNEL inline int32_t CutEntry(float entry, float bound) {
   entry = entry == entry ? entry : 0.0F;
   entry = entry > -bound ? entry : -bound;
-  return static_cast<int32_t>(entry < bound ? entry : bound);
+  return static_cast<int32_t>(bound < entry ? bound : entry);
 }
 
 }  // namespace internal
