@@ -109,5 +109,35 @@ TEST(ApproximateAlignment, ScenesByHand) {
   for (const Scene& scene : scenes) ExpectAligned(scene);
 }
 
+TEST(ApproximateAlignment, PreparedTargetsAreThoseOfTheOwnMaps) {
+  AlignmentParams params{};
+  params.tofWidth = params.auxWidth = params.tofCalibWidth = params.auxCalibWidth = 2;
+  params.tofHeight = params.auxHeight = params.tofCalibHeight = params.auxCalibHeight = 1;
+  AlignmentContext context{};
+  InitAlignmentContext(context, params, 1);
+  context.farPlaneMapX[1] = 1;
+  const uint16_t frame[] = {0x0110, 0x0220};
+  const float zero[] = {0, 0}, swapped[] = {1, 0};
+  const auto aligned = [&](const float* mapX, const float* mapY) {
+    std::vector<uint16_t> working(2, kKept);
+    testing::internal::CaptureStdout();
+    RunApproximateAlignment(context, frame, working.data(), context.farPlaneMapX.get(), context.farPlaneMapY.get(),
+                            mapX, mapY);
+    (void)testing::internal::GetCapturedStdout();
+    return working;
+  };
+  const std::vector<uint16_t> straight{0x0110, 0x0220}, crossed{0x0220, 0x0110};
+  context.distortMapX[1] = 1;
+  PrepareTargets(context);
+  for (int round = 0; round < 2; ++round) {  // other maps in between do not stay behind
+    EXPECT_EQ(aligned(context.distortMapX.get(), context.distortMapY.get()), straight);
+    EXPECT_EQ(aligned(swapped, zero), crossed);
+  }
+  std::ranges::copy(swapped, context.distortMapX.get());
+  EXPECT_EQ(aligned(context.distortMapX.get(), context.distortMapY.get()), crossed) << "made anew";
+  PrepareTargets(context);
+  EXPECT_EQ(aligned(context.distortMapX.get(), context.distortMapY.get()), crossed);
+}
+
 }  // namespace
 }  // namespace itof

@@ -111,6 +111,7 @@ int32_t itof_execute_algo(uint16_t* frame, float ratio) {
     DistortLUT(context, context.distortMapX.get(), context.distortMapY.get());
     stepEnd = TimeStamp();
     ITOF_PERFORMANCE_LOG(328, "[Velmor_Perf] DistortLUT ! used time is %d ms", MillisecondsBetween(stepStart, stepEnd));
+    PrepareTargets(context);
     tables_prepared = true;
   }
 

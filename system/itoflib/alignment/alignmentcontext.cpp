@@ -62,6 +62,7 @@ void ReleaseAlignmentContext(AlignmentContext& context) {
   context.distortMapX.reset();
   context.distortMapY.reset();
   context.targets = {};
+  context.targetsPrepared = false;
 }
 
 }  // namespace itof

@@ -46,9 +46,12 @@ struct AlignmentContext {
   uint8_t distortionEnabled;
   CameraModel tofModel;
   CameraModel auxModel;
-  /// Storage of RunApproximateAlignment, filled anew in each call: one entry per cell of a grid that holds the ToF and
-  /// the aux frame, with a border of one cell; at most 2^31.
+  /// Where the pixels of each ideal cell land, an index into the aux frame: one entry per cell of a grid that holds the
+  /// ToF and the aux frame, with a border of one cell; at most 2^31. Written by RunApproximateAlignment in each call, or
+  /// by PrepareTargets.
   std::vector<uint32_t> targets;
+  /// `targets` is what the context's own distortion maps say; set by PrepareTargets.
+  bool targetsPrepared;
 };
 
 /// Pixels of a grid; 0 if a side is below 1.

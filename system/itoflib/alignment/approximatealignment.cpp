@@ -37,20 +37,27 @@ ITOF_KERNEL inline void AlignBlock(const Parallax& parallax, Grid ideal, const u
   carried = target;
 }
 
-void AlignFrame(AlignmentContext& context, const uint16_t* frame, uint16_t* workingBuffer, const float* farPlaneMapX,
-                const float* farPlaneMapY, const float* distortMapX, const float* distortMapY) {
+/// The ToF frame must have pixels.
+void FillTargets(AlignmentContext& context, const float* distortMapX, const float* distortMapY) {
   const AlignmentParams& params = context.params;
   const bool distortion = context.distortionEnabled != 0;
-  const Grid ideal = IdealGrid(params, distortion);
+  context.targets.resize(IdealGrid(params, distortion).CountWithBorder());
+  uint32_t* targets = context.targets.data();
+  RunKernel([&]() ITOF_KERNEL { FillTargetTable(params, distortion, distortMapX, distortMapY, targets); });
+}
+
+/// The targets must be those of the distortion maps.
+void AlignFrame(AlignmentContext& context, const uint16_t* frame, uint16_t* workingBuffer, const float* farPlaneMapX,
+                const float* farPlaneMapY) {
+  const AlignmentParams& params = context.params;
+  const Grid ideal = IdealGrid(params, context.distortionEnabled != 0);
   const Parallax parallax = MakeParallax(context.auxRatioIntrinsics[0] * params.translation[0],
                                          context.auxRatioIntrinsics[4] * params.translation[1], ideal);
-  context.targets.resize(ideal.CountWithBorder());  // grows only if InitAlignmentContext did not make the context
   const size_t pixels = PixelCount(params.tofWidth, params.tofHeight);
+  const uint32_t* targets = context.targets.data();
+  uint8_t* confidence = context.confidence.get();
 
   RunKernel([&]() ITOF_KERNEL {
-    uint32_t* targets = context.targets.data();
-    FillTargetTable(params, distortion, distortMapX, distortMapY, targets);
-    uint8_t* confidence = context.confidence.get();
     uint32_t target = targets[ideal.IndexWithBorder(0, 0)];
     const auto alignBlock = [&](size_t i, int32_t count) ITOF_KERNEL {
       AlignBlock(parallax, ideal, targets, frame + i, farPlaneMapX + i, farPlaneMapY + i, count, confidence + i,
@@ -64,12 +71,23 @@ void AlignFrame(AlignmentContext& context, const uint16_t* frame, uint16_t* work
 
 }  // namespace
 
+void PrepareTargets(AlignmentContext& context) {
+  if (PixelCount(context.params.tofWidth, context.params.tofHeight) == 0) return;
+  FillTargets(context, context.distortMapX.get(), context.distortMapY.get());
+  context.targetsPrepared = true;
+}
+
 int32_t RunApproximateAlignment(AlignmentContext& context, const uint16_t* frame, uint16_t* workingBuffer,
                                 const float* farPlaneMapX, const float* farPlaneMapY, const float* distortMapX,
                                 const float* distortMapY) {
   const std::clock_t start = std::clock();
   if (PixelCount(context.params.tofWidth, context.params.tofHeight) > 0) {
-    AlignFrame(context, frame, workingBuffer, farPlaneMapX, farPlaneMapY, distortMapX, distortMapY);
+    const bool ownMaps = distortMapX == context.distortMapX.get() && distortMapY == context.distortMapY.get();
+    if (!context.targetsPrepared || !ownMaps) {
+      context.targetsPrepared = false;
+      FillTargets(context, distortMapX, distortMapY);
+    }
+    AlignFrame(context, frame, workingBuffer, farPlaneMapX, farPlaneMapY);
   }
   const std::clock_t end = std::clock();
   std::printf("cost time(distort) : %lf (s)\n", static_cast<double>(end - start) / 1000000.0);

@@ -6,6 +6,11 @@
 
 namespace itof {
 
+/// Makes `targets` from the context's own distortion maps, for all calls of RunApproximateAlignment with these maps that
+/// follow; without it, each call makes them anew, which is a seventh of its work. Whoever has called it calls it again
+/// whenever these maps have changed. Throws as RunApproximateAlignment.
+void PrepareTargets(AlignmentContext& context);
+
 /// Re-projects `frame` (tofWidth x tofHeight depth words) into `workingBuffer` (auxWidth x auxHeight, working words). A
 /// pixel's ideal position is its far-plane position plus a parallax, focal length times translation over depth, of the
 /// x and y translation only. With `distortionEnabled` the position, rounded, is looked up in the distortion maps and
