@@ -28,8 +28,8 @@ struct LibraryContext : AlignmentContext {
   ~LibraryContext() { ReleaseAlignmentContext(*this); }
 };
 
-/// The bytes behind the objects of one frame. Those objects come and go with each frame; fresh bytes for them would
-/// cost more page faults than the alignment costs time. Every word is written before it is read, in every frame.
+/// The bytes behind the objects of one frame. Those objects come and go with each frame; fresh bytes for them would cost
+/// hundreds of page faults each time. Every word is written before it is read, in every frame.
 struct FrameMemory {
   uint16_t working[kFrameWidth * kFrameHeight];
   uint16_t packed[kFrameWidth * kFrameHeight];
