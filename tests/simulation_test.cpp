@@ -1,6 +1,6 @@
-// The whole library against a traced scene: frames of a simulated camera pair go through the three public
-// functions, and every cell is compared with the depth of the point that the aux camera sees there. The
-// simulation shares no code with the alignment.
+// The whole library on simulated camera pairs, through the three public functions: against a traced scene, where every
+// cell is compared with the depth of the point that the aux camera sees there, and against its plain form, where every
+// word is. The simulation shares no code with the alignment.
 #include "simulation/simulation.h"
 
 #include <gtest/gtest.h>

@@ -8,7 +8,7 @@ namespace itof {
 
 /// Makes `targets` from the context's own distortion maps, for all calls of RunApproximateAlignment with these maps that
 /// follow; without it, each call makes them anew, which is a seventh of its work. Whoever has called it calls it again
-/// whenever these maps have changed. Throws as RunApproximateAlignment.
+/// whenever these maps, a size in `params` or `distortionEnabled` have changed. Throws as RunApproximateAlignment.
 void PrepareTargets(AlignmentContext& context);
 
 /// Re-projects `frame` (tofWidth x tofHeight depth words) into `workingBuffer` (auxWidth x auxHeight, working words). A

@@ -16,7 +16,7 @@ namespace itof {
 /// In the place of a target: outside the aux frame.
 inline constexpr uint32_t kDropped = std::numeric_limits<uint32_t>::max();
 
-/// A grid of cells, at most 2^31 with its border. No side is below 0.
+/// A grid of cells, at most 2^31 with its border.
 struct Grid {
   int32_t width, height;
 
@@ -38,12 +38,9 @@ struct Grid {
 /// positions that it does not have land unchanged. Nothing, if the aux frame has no pixels.
 inline Grid IdealGrid(const AlignmentParams& params, bool distortion) {
   if (PixelCount(params.auxWidth, params.auxHeight) == 0) return {0, 0};
-  const int32_t width = std::max({params.auxWidth, distortion ? params.tofWidth : 0, 0});
-  const int32_t height = std::max({params.auxHeight, distortion ? params.tofHeight : 0, 0});
-  return {width, height};
+  if (!distortion) return {params.auxWidth, params.auxHeight};
+  return {std::max(params.auxWidth, params.tofWidth), std::max(params.auxHeight, params.tofHeight)};
 }
-
-namespace internal {
 
 /// The integer part of a table entry, not-a-number 0. All that lies beyond `bound`, which is beyond the aux frame, is
 /// alike, so that the conversion is defined; a bound on either side from one number compiles to a minimum and a maximum.
@@ -53,14 +50,12 @@ ITOF_KERNEL inline int32_t CutEntry(float entry, float bound) {
   return static_cast<int32_t>(bound < entry ? bound : entry);
 }
 
-}  // namespace internal
-
 /// Fills `table`, which has a border of one cell around the ideal grid, with indices into the aux frame or kDropped.
 /// The maps are those of DistortLUT. The ToF frame must have pixels.
 ITOF_KERNEL inline void FillTargetTable(const AlignmentParams& params, bool distortion, const float* mapX,
                                         const float* mapY, uint32_t* table) {
   const Grid ideal = IdealGrid(params, distortion);
-  const Grid aux{std::max(params.auxWidth, 0), std::max(params.auxHeight, 0)};
+  const Grid aux{params.auxWidth, params.auxHeight};  // not asked if it has no pixels: the ideal grid has none then
   const float bound = std::min(2.0F * static_cast<float>(std::max(aux.width, aux.height)), 0x1.fffffep30F);
   std::fill_n(table, ideal.width + 2, kDropped);
   std::fill_n(table + ideal.IndexWithBorder(-1, ideal.height), ideal.width + 2, kDropped);
@@ -70,8 +65,8 @@ ITOF_KERNEL inline void FillTargetTable(const AlignmentParams& params, bool dist
     const float* __restrict x = mapX + ptrdiff_t{row} * mapped;
     const float* __restrict y = mapY + ptrdiff_t{row} * mapped;
     for (int32_t column = 0; column < mapped; ++column) {
-      const int32_t u = internal::CutEntry(x[column], bound);
-      const int32_t v = internal::CutEntry(y[column], bound);
+      const int32_t u = CutEntry(x[column], bound);
+      const int32_t v = CutEntry(y[column], bound);
       targets[column] = aux.Holds(u, v) ? static_cast<uint32_t>(v * aux.width + u) : kDropped;
     }
     for (int32_t column = mapped; column < ideal.width; ++column) {
