@@ -24,8 +24,10 @@ struct Comparison {
 constexpr Comparison kComparisons[] = {
     {"RunApproximateAlignment against cv::remap", "RunApproximateAlignment/simulated", "cv::remap", 1.8, 1.1},
     {"whole steady frame against cv::remap", "SteadyFrame/simulated", "cv::remap", 2.1, 1.3},
+#ifdef ITOF_HAS_CALIB3D
     {"AlignmentFarPlane against cv::undistortPoints", "AlignmentFarPlane", "cv::undistortPoints", 1.0 / 5, 1.0 / 10},
     {"DistortLUT against cv::initUndistortRectifyMap", "DistortLUT", "cv::initUndistortRectifyMap", 1.3, 0.7},
+#endif
     {"first frame of a run against the plain form of the same", "FirstFrame", "plain::FirstFrame", 1.0 / 5, 1.0 / 9},
     {"steady frame against the plain form of the same", "SteadyFrame/simulated", "plain::SteadyFrame/simulated",
      1.0 / 4, 1.0 / 6},

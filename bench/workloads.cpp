@@ -10,7 +10,9 @@
 #include <cstdio>
 #include <memory>
 #include <numeric>
+#ifdef ITOF_HAS_CALIB3D
 #include <opencv2/calib3d.hpp>
+#endif
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 #include <random>
@@ -162,6 +164,7 @@ void AddYardsticks(std::vector<Workload>& all, const StagePointer& stage, const 
                    cv::remap(source, target, mapX, mapY, cv::INTER_NEAREST);
                  }});
 
+#ifdef ITOF_HAS_CALIB3D
   const itof::AlignmentParams& params = stage->context.params;
   const cv::Matx33d tof(params.tofIntrinsics), aux(params.auxIntrinsics), rotation(params.rotation);
   const cv::Matx<double, 1, 8> tofLens(params.tofDistortion), auxLens(params.auxDistortion);
@@ -174,6 +177,7 @@ void AddYardsticks(std::vector<Workload>& all, const StagePointer& stage, const 
   all.push_back({"cv::initUndistortRectifyMap", [=, x = cv::Mat(), y = cv::Mat()]() mutable {
                    cv::initUndistortRectifyMap(aux, auxLens, cv::noArray(), aux, size, CV_32FC1, x, y);
                  }});
+#endif
 }
 
 }  // namespace

@@ -23,9 +23,10 @@ struct Workload {
 ///
 ///     RunApproximateAlignment/FRAME  AlignmentFarPlane  DistortLUT       the steps
 ///     FillTargetTable  FindIdealCells                                    parts of the first of them
-///     SteadyFrame/FRAME  FirstFrame  itof_init                           calls of the finished library
+///     SteadyFrame/FRAME  FirstFrame  itof_init                           calls of the whole library
 ///     cv::remap  cv::undistortPoints  cv::initUndistortRectifyMap        the yardsticks
 ///
+/// The last two of these only where OpenCV has its calib3d module.
 /// The library's lines go to standard output. SteadyFrame belongs after a frame since the last itof_init, which its own
 /// first run can be. Throws std::runtime_error.
 std::vector<Workload> MakeWorkloads();

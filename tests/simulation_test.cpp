@@ -1,17 +1,12 @@
-// The whole library on simulated camera pairs, through the three public functions: against a traced scene, where every
-// cell is compared with the depth of the point that the aux camera sees there, and against its plain form, where every
-// word is. The simulation shares no code with the alignment.
+// The whole library on simulated camera pairs, through the three public functions: every cell is compared with the depth
+// of the point that the aux camera sees there in a traced scene. The simulation shares no code with the alignment.
 #include "simulation/simulation.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
-#include <zerun/hostfiles.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <opencv2/calib3d.hpp>
 #include <random>
@@ -19,9 +14,8 @@
 #include <utility>
 #include <vector>
 
-#include "calibration/alignmentparams.h"
+#include "initlibrary.h"
 #include "itofinterface.h"
-#include "plain/plainframe.h"
 
 namespace {
 
@@ -58,46 +52,12 @@ TEST(SimulatedCameras, ProjectAsOpenCvDoesAndBack) {
   }
 }
 
-/// Has the library read this calibration.
-void Init(const CalibrationRecord& record) {
-  const std::string path = testing::TempDir() + "itof-simulation-" + std::to_string(getpid()) + ".bin";
-  std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(&record), sizeof record);
-  ZerunHost::RedirectPath(itof::kCalibrationPath, path);
-  EXPECT_EQ(itof_init(), ITOF_OK);
-  ZerunHost::RedirectPath(itof::kCalibrationPath, "");
-  std::filesystem::remove(path);
-}
-
 /// The aligned words of a frame of depth words, as a host would get them with this calibration.
 std::vector<uint16_t> Align(const CalibrationRecord& record, std::vector<uint16_t> words) {
-  Init(record);
+  InitLibrary(record);
   EXPECT_EQ(itof_execute_algo(words.data(), 1.0F), 0);
   itof_deinit();
   return words;
-}
-
-TEST(WholeFrames, EqualTheirPlainForm) {
-  std::mt19937 random(1);
-  for (const Rig& rig : {GentleRig(), StrongRig()}) {
-    Init(rig.record);
-    itof::AlignmentContext context{};
-    itof::AlignmentParams params{};
-    params.tofWidth = params.auxWidth = kWidth;
-    params.tofHeight = params.auxHeight = kHeight;
-    itof::FillAlignmentParams(rig.record, params);
-    itof::InitAlignmentContext(context, params, 1);
-    for (const float ratio : {1.0F, 2.0F, 0.75F}) {
-      itof_deinit();
-      for (int frame = 0; frame < 3; ++frame) {
-        std::vector<uint16_t> words(kWidth * kHeight);
-        for (uint16_t& word : words) word = static_cast<uint16_t>(random() >> (frame == 1 ? random() % 14 : 0));
-        std::vector<uint16_t> expected = words;
-        plain::AlignFrame(context, expected.data(), frame == 0, ratio);
-        itof_execute_algo(words.data(), ratio);
-        EXPECT_TRUE(words == expected) << "ratio " << ratio << ", frame " << frame;
-      }
-    }
-  }
 }
 
 struct Bounds {

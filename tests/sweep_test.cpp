@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <opencv2/calib3d.hpp>
 #include <random>
 #include <vector>
 
@@ -19,6 +18,7 @@
 #include "alignment/matrixmultiply.h"
 #include "kernelbuildchoice.h"
 #include "plain/plainsteps.h"
+#include "simulation/lens.h"
 
 namespace {
 
@@ -128,13 +128,11 @@ Rig MakeRig(Random& random, Kind kind, int32_t width, int32_t height) {
   const double* ratio = context.auxRatioIntrinsics;
   aux.fx = ratio[0] * random.Between(0.7, 1.3);
   aux.fy = ratio[4] * random.Between(0.7, 1.3);
-  const std::vector<cv::Point3d> middle{
-      {(0.5 * width - ratio[2]) / ratio[0], (0.5 * height - ratio[5]) / ratio[4], 1.0}};
-  std::vector<cv::Point2d> distorted;
-  cv::projectPoints(middle, cv::Vec3d(), cv::Vec3d(), cv::Matx33d(aux.fx, 0, 0, 0, aux.fy, 0, 0, 0, 1),
-                    std::array{aux.k1, aux.k2, aux.p1, aux.p2, aux.k3, aux.k4, aux.k5, aux.k6}, distorted);
-  aux.cx = 0.5 * width - distorted[0].x;
-  aux.cy = 0.5 * height - distorted[0].y;
+  const auto distorted =
+      itoftool::simulation::Distort({aux.k1, aux.k2, aux.k3, aux.k4, aux.k5, aux.k6, aux.p1, aux.p2},
+                                    {(0.5 * width - ratio[2]) / ratio[0], (0.5 * height - ratio[5]) / ratio[4]});
+  aux.cx = 0.5 * width - aux.fx * distorted.x;
+  aux.cy = 0.5 * height - aux.fy * distorted.y;
   return rig;
 }
 

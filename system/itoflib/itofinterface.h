@@ -25,6 +25,9 @@
 
 #include <stdint.h>
 
+/* Seen from outside, also by a build that hides what does not say so. */
+#define ITOF_API __attribute__((visibility("default")))
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -53,7 +56,7 @@ extern "C" {
  *
  * On success the run ends, as with itof_deinit, and the tables start out as zeros. Cost: one file read, 5 MB cleared.
  */
-int32_t itof_init(void);
+ITOF_API int32_t itof_init(void);
 
 /*
  * Aligns one depth frame in place.
@@ -108,13 +111,13 @@ int32_t itof_init(void);
  * Cost: the first frame of a run builds the tables, some four times the cost of a later frame, which is one pass over
  * the pixels; docs/performance.md has figures. Returns 0 always.
  */
-int32_t itof_execute_algo(uint16_t* frame, float ratio);
+ITOF_API int32_t itof_execute_algo(uint16_t* frame, float ratio);
 
 /*
  * Ends a run: the next frame builds the tables anew, with its own ratio. Keeps the calibration, and releases nothing.
  * May be called in any state, also before itof_init.
  */
-void itof_deinit(void);
+ITOF_API void itof_deinit(void);
 
 #ifdef __cplusplus
 }

@@ -29,8 +29,7 @@ void AlignFrame(itof::AlignmentContext& context, uint16_t* frame, bool firstOfRu
   std::memcpy(staging.data, workingBuffer.get(), bytes);
   for (int row = 0; row < rows; ++row) {
     for (int column = 0; column < columns; ++column) {
-      const int word = staging.at<uint16_t>(row, column);
-      packed.at<uint16_t>(row, column) = static_cast<uint16_t>((word >> 5 & 0x0700) | (word >> 4 & 0x00FF));
+      packed.at<uint16_t>(row, column) = AlignedWord(staging.at<uint16_t>(row, column));
     }
   }
   std::memcpy(frame, packed.data, bytes);

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <memory>
 
 namespace plain {
 namespace {
@@ -18,6 +19,20 @@ int32_t TruncateToInt32(double value) {
   if (value >= 2147483647.0) return std::numeric_limits<int32_t>::max();
   if (value <= -2147483648.0) return std::numeric_limits<int32_t>::min();
   return static_cast<int32_t>(value);
+}
+
+// Resizes a camera matrix from the image it was calibrated with to the working frame.
+void ScaleIntrinsics(double* intrinsics, double scaleX, double scaleY) {
+  const double scale[9] = {scaleX, 0.0,    (scaleX - 1.0) * 0.5,  //
+                           0.0,    scaleY, (scaleY - 1.0) * 0.5,  //
+                           0.0,    0.0,    1.0};
+  double scaled[9];
+  MatrixMultiply(scaled, scale, intrinsics, 3, 3, 3, 3);
+  for (int i = 0; i < 9; ++i) intrinsics[i] = scaled[i];
+}
+
+itof::CameraModel MakeModel(const double* k, const double* d) {
+  return {d[0], d[1], d[4], d[5], d[6], d[7], d[2], d[3], k[2], k[5], k[0], k[4], 1.0 / k[0], 1.0 / k[4]};
 }
 
 // Inverts the rational lens model by three rounds of its fixed-point iteration.
@@ -38,6 +53,26 @@ Position Undistort(const itof::CameraModel& model, Position pixel) {
 }
 
 }  // namespace
+
+void InitAlignmentContext(itof::AlignmentContext& context, const itof::AlignmentParams& params,
+                          uint8_t distortionEnabled) {
+  context.params = params;
+  context.distortionEnabled = distortionEnabled;
+  const auto pixels = static_cast<size_t>(params.tofWidth * params.tofHeight);
+  context.confidence = std::make_unique<uint8_t[]>(pixels);
+  for (auto* map : {&context.farPlaneMapX, &context.farPlaneMapY, &context.distortMapX, &context.distortMapY}) {
+    *map = std::make_unique<float[]>(pixels);
+  }
+  const auto quotient = [](int32_t a, int32_t b) { return static_cast<double>(a) / static_cast<double>(b); };
+  double* tof = context.params.tofIntrinsics;
+  double* aux = context.params.auxIntrinsics;
+  ScaleIntrinsics(tof, quotient(params.tofWidth, params.tofCalibWidth),
+                  quotient(params.tofHeight, params.tofCalibHeight));
+  ScaleIntrinsics(aux, quotient(params.auxWidth, params.auxCalibWidth),
+                  quotient(params.auxHeight, params.auxCalibHeight));
+  context.tofModel = MakeModel(tof, params.tofDistortion);
+  context.auxModel = MakeModel(aux, params.auxDistortion);
+}
 
 void MatrixMultiply(double* out, const double* a, const double* b, int32_t rows, int32_t aRowLength, int32_t inner,
                     int32_t cols) {
@@ -155,6 +190,10 @@ int32_t RunApproximateAlignment(itof::AlignmentContext& context, const uint16_t*
     }
   }
   return 1;
+}
+
+uint16_t AlignedWord(uint16_t workingWord) {
+  return static_cast<uint16_t>((workingWord >> 5 & 0x0700) | (workingWord >> 4 & 0x00FF));
 }
 
 }  // namespace plain

@@ -10,7 +10,10 @@
 namespace plain {
 
 // Arguments, results and units are those of the functions of the same names in namespace itof, but
-// RunApproximateAlignment prints nothing.
+// RunApproximateAlignment prints nothing, and InitAlignmentContext leaves out what only the library's steps use.
+
+void InitAlignmentContext(itof::AlignmentContext& context, const itof::AlignmentParams& params,
+                          uint8_t distortionEnabled);
 
 void MatrixMultiply(double* out, const double* a, const double* b, int32_t rows, int32_t aRowLength, int32_t inner,
                     int32_t cols);
@@ -23,6 +26,8 @@ void DistortLUT(const itof::AlignmentContext& context, float* mapX, float* mapY)
 int32_t RunApproximateAlignment(itof::AlignmentContext& context, const uint16_t* frame, uint16_t* workingBuffer,
                                 const float* farPlaneMapX, const float* farPlaneMapY, const float* distortMapX,
                                 const float* distortMapY);
+
+uint16_t AlignedWord(uint16_t workingWord);
 
 }  // namespace plain
 

@@ -6,6 +6,7 @@
 
 namespace itoftool {
 
+// In builds with pictures only.
 void AddAlignCommand(CLI::App& app);
 void AddSimulateCommand(CLI::App& app);
 

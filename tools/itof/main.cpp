@@ -43,14 +43,20 @@ int Run(int argc, char** argv) {
                                         itof::KernelBuildName(itof::PickKernelBuild()));
   // Not one at least, or the parser would ask for it where it should name the word that it does not know.
   app.require_subcommand(0, 1);
+#ifdef ITOF_HAS_PICTURES
   itoftool::AddAlignCommand(app);
   itoftool::AddSimulateCommand(app);
+#endif
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& help) {
     return app.exit(help);
   }
-  if (app.get_subcommands().empty()) throw itoftool::UsageError("a command is required: align or simulate");
+  if (app.get_subcommands().empty()) {
+    std::string names;
+    for (const CLI::App* command : app.get_subcommands(nullptr)) names += " " + command->get_name();
+    throw itoftool::UsageError("a command is required, one of:" + names);
+  }
   if (std::fflush(stdout) != 0) {
     throw itoftool::DataError(std::string("standard output: ") + std::strerror(errno) + "; the files are written");
   }

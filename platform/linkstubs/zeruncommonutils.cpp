@@ -1,0 +1,10 @@
+// The device's libzeruncommonutils as the linker sees it.
+#include <zerun/osutils.h>
+
+void Zerun::OsUtils::GetTime(ZerunTime*) {}
+
+FILE* Zerun::OsUtils::FOpen(const char*, const char*) { return nullptr; }
+
+size_t Zerun::OsUtils::FRead(void*, size_t, size_t, size_t, FILE*) { return 0; }
+
+int Zerun::OsUtils::FClose(FILE*) { return 0; }
