@@ -14,6 +14,7 @@ trap 'rm -rf "$folder"' EXIT
 
 older "$kerneltest"
 older "$tool" --version | grep 'x86-64 baseline'
+older "$tool" selftest
 "$tool" simulate --output "$folder" --frames 1
 align=(align --calibration "$folder/calibration.bin" "$folder/frame_000.words.raw" --output)
 "$tool" "${align[@]}" "$folder/here"

@@ -6,6 +6,7 @@
 
 namespace itoftool {
 
+void AddSelfTestCommand(CLI::App& app);
 // In builds with pictures only.
 void AddAlignCommand(CLI::App& app);
 void AddSimulateCommand(CLI::App& app);

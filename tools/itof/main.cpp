@@ -47,6 +47,7 @@ int Run(int argc, char** argv) {
   itoftool::AddAlignCommand(app);
   itoftool::AddSimulateCommand(app);
 #endif
+  itoftool::AddSelfTestCommand(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& help) {

@@ -1,0 +1,67 @@
+// The self-test's expected digests against those of the plain form, which they come from, and each build of the kernels
+// against them.
+#include "selftest/selftest.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+#include "kernelbuildchoice.h"
+#include "plain/plainsteps.h"
+#include "selftest/digest.h"
+
+namespace itoftool::selftest {
+namespace {
+
+/// As they stand in expected.cpp.
+std::string SourceText(const Digests& all) {
+  std::string text;
+  for (const CaseDigests& digests : all) {
+    for (size_t i = 0; i < kStages; ++i) {
+      char number[16];
+      std::snprintf(number, sizeof number, "0x%08x", digests[i]);
+      text += (i == 0 ? "    {" : ", ") + std::string(number);
+    }
+    text += "},\n";
+  }
+  return text;
+}
+
+TEST(SelfTest, PlainFormGivesTheExpectedDigests) {
+  const Digests digests = RunCases({plain::InitAlignmentContext, plain::AlignmentFarPlane, plain::DistortLUT,
+                                    plain::RunApproximateAlignment, plain::AlignedWord});
+  EXPECT_EQ(SourceText(digests), SourceText(kExpected));
+}
+
+TEST(SelfTest, EveryKernelBuildGivesTheExpectedDigests) {
+  for (const itof::KernelBuild build : KernelBuilds()) {
+    g_kernelBuild = build;
+    testing::internal::CaptureStdout();
+    const Digests digests = RunCases(kLibrary);
+    (void)testing::internal::GetCapturedStdout();
+    EXPECT_EQ(SourceText(digests), SourceText(kExpected)) << "kernel build " << static_cast<int>(build);
+  }
+}
+
+TEST(SelfTest, DigestsAreThePublishedOnes) {
+  const auto digest = [](std::string_view text) {
+    Digest result;
+    for (const char c : text) result.Add(static_cast<uint8_t>(c));
+    return result;
+  };
+  // From the test vectors of FNV's authors.
+  EXPECT_EQ(digest("").Value(), 0xCBF29CE484222325);
+  EXPECT_EQ(digest("foobar").Value(), 0x85944171F73967E8);
+  EXPECT_EQ(digest("foobar").Folded(), 0x85944171U ^ 0xF73967E8U);
+
+  Digest number, words;
+  for (const float value : {1.0F, -0.0F, NAN, -NAN}) number.Add(value);
+  for (const uint32_t bits : {0x3F800000U, 0x80000000U, 0x7FC00000U, 0x7FC00000U}) words.Add(bits);
+  EXPECT_EQ(number.Value(), words.Value());
+}
+
+}  // namespace
+}  // namespace itoftool::selftest
