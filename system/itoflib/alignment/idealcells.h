@@ -50,14 +50,21 @@ inline Parallax MakeParallax(double x, double y, Grid grid) {
           .boundY = static_cast<float>(grid.height) + 0.5F};
 }
 
+/// The ideal position, as it is defined, of a pixel that has depth and is seen at (farX, farY) at the far plane.
+struct IdealPosition {
+  IdealPosition(const Parallax& parallax, uint16_t word, float farX, float farY)
+      : x(parallax.x / (DepthCode(word) / 10.0) + static_cast<double>(farX)),
+        y(parallax.y / (DepthCode(word) / 10.0) + static_cast<double>(farY)) {}
+
+  double x, y;
+};
+
 /// The index, with border, of a pixel's ideal cell, as it is defined. Out of line, so that it stays what it is here for:
 /// rare.
 [[gnu::noinline]] inline int32_t IdealCell(const Parallax& parallax, Grid grid, uint16_t word, float farX, float farY) {
-  const double depth = DepthCode(word) / 10.0;
-  const double idealX = parallax.x / depth + static_cast<double>(farX);
-  const double idealY = parallax.y / depth + static_cast<double>(farY);
-  const int32_t u = IntegerPart(idealX + 0.5);
-  const int32_t v = IntegerPart(idealY + 0.5);
+  const IdealPosition ideal(parallax, word, farX, farY);
+  const int32_t u = IntegerPart(ideal.x + 0.5);
+  const int32_t v = IntegerPart(ideal.y + 0.5);
   return grid.Holds(u, v) ? grid.IndexWithBorder(u, v) : 0;
 }
 

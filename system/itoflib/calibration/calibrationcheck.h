@@ -18,10 +18,11 @@ struct CalibrationFault {
   const char* cause;  // a phrase that follows the value, e.g. "is not finite"
 };
 
-/// The first fault of `record` in the order of the file, or nothing if it can be used. Needed: image sizes that are at
-/// least 1 and fit a 32-bit integer after their fraction is cut, a ToF calibration width of 640, focal lengths above 0,
-/// and finite values in every field that the geometry uses. Unused words and aux_fl_ratio may hold anything.
-std::optional<CalibrationFault> FindCalibrationFault(const CalibrationRecord& record);
+/// The first fault of `record` at byte `from` of the file or behind it, or nothing if there is none. A record without
+/// any can be used. Needed: image sizes that are at least 1 and fit a 32-bit integer after their fraction is cut, a ToF
+/// calibration width of 640, focal lengths above 0, and finite values in every field that the geometry uses. Unused
+/// words and aux_fl_ratio may hold anything.
+std::optional<CalibrationFault> FindCalibrationFault(const CalibrationRecord& record, size_t from = 0);
 
 }  // namespace itof
 
