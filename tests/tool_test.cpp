@@ -1,15 +1,9 @@
-// Runs the built program as its users do, and looks at its exit code, its streams and its files.
-#include <fnmatch.h>
+// Aligning files with the built program: what it writes, and what it refuses.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
+#include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <map>
 #include <nlohmann/json.hpp>
 #include <opencv2/core.hpp>
 #include <opencv2/imgcodecs.hpp>
@@ -17,6 +11,7 @@
 #include <vector>
 
 #include "calibrationbytes.h"
+#include "toolrunner.h"
 
 namespace {
 namespace fs = std::filesystem;
@@ -29,13 +24,8 @@ uint16_t AlignedWord(int code, int confidence) { return static_cast<uint16_t>(co
 std::string Bytes(const Words& words) { return {reinterpret_cast<const char*>(words.data()), words.size() * 2}; }
 cv::Mat Picture(Words& words) { return {kHeight, kWidth, CV_16U, words.data()}; }
 
-class ToolTest : public testing::Test {
+class ToolTest : public ToolRunner {
  protected:
-  struct Result {
-    int code;  // exit code; above 128: ended by a signal
-    std::string out, err;
-  };
-
   void SetUp() override {
     fs::create_directories(folder_ / "out");
     Write("good.bin", CalibrationBytes(IdentityCalibration()));
@@ -45,45 +35,10 @@ class ToolTest : public testing::Test {
     }
     Write("frame.raw", Bytes(words_));
   }
-  void TearDown() override { fs::remove_all(folder_); }
 
-  void Write(const char* name, const std::string& bytes) { std::ofstream(folder_ / name, std::ios::binary) << bytes; }
+  using ToolRunner::Write;
   void Write(const char* name, const cv::Mat& picture) { ASSERT_TRUE(cv::imwrite(folder_ / name, picture)); }
-  std::string Read(const fs::path& name) const {
-    std::ifstream file(folder_ / name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-  /// Every file of the test, hidden ones and folders included, with what it holds.
-  std::map<fs::path, std::string> Files() const {
-    std::map<fs::path, std::string> files;
-    for (const auto& entry : fs::recursive_directory_iterator(folder_))
-      files[entry] = entry.is_directory() ? "" : Read(entry.path());
-    return files;
-  }
 
-  /// Runs the tool with a shell's words for arguments, in the test's folder. $align is the command with a good
-  /// calibration and the output folder; `before` is what the shell reads before the tool's name.
-  Result Run(const std::string& arguments, const std::string& before = "") const {
-    const std::string line = "cd '" + folder_.string() + "' && align='align --calibration good.bin --output out' && " +
-                             before + " '" ITOF_TOOL_PATH "' >stdout 2>stderr " + arguments;
-    const Result result{WEXITSTATUS(std::system(line.c_str())), Read("stdout"), Read("stderr")};
-    for (const char* stream : {"stdout", "stderr"}) fs::remove(folder_ / stream);
-    return result;
-  }
-
-  /// The run ends with `code`, nothing but one line that has `pattern` (a shell's) in it, and every file as it was.
-  void ExpectFailure(int code, const std::string& arguments, const char* pattern, const char* before = "") const {
-    SCOPED_TRACE(arguments);
-    const auto files = Files();
-    const Result result = Run(arguments, before);
-    EXPECT_EQ(result.code, code);
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(std::ranges::count(result.err, '\n'), 1) << result.err;
-    EXPECT_EQ(fnmatch((std::string("itof: *") + pattern + "*\n").c_str(), result.err.c_str(), 0), 0) << result.err;
-    EXPECT_TRUE(Files() == files);
-  }
-
-  const fs::path folder_ = testing::TempDir() + "itof-tool-test-" + std::to_string(getpid());
   Words words_;
 };
 

@@ -1,12 +1,11 @@
 // `itof align`: files in, the library's three calls, files out.
 #include <algorithm>
 #include <cctype>
-#include <cfloat>
-#include <cstdio>
 #include <filesystem>
 #include <map>
 #include <memory>
 #include <opencv2/core.hpp>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,11 +15,14 @@
 #include "calibrationfile.h"
 #include "commands.h"
 #include "errors.h"
+#include "fatesheet.h"
 #include "files.h"
 #include "frames.h"
+#include "inspection/pixeltrace.h"
 #include "pictures.h"
 #include "pixelwords.h"
 #include "preview.h"
+#include "ratio.h"
 #include "summary.h"
 
 namespace itoftool {
@@ -37,6 +39,7 @@ struct AlignOptions {
   std::string confidence;
   std::vector<std::string> aux;
   bool log = false;
+  bool report = false;
   std::vector<std::string> inputs;
 };
 
@@ -44,6 +47,13 @@ struct Job {
   fs::path input;
   FrameFormat format;
   std::string wordsName, depthName, previewName;  // of the outputs
+  std::string fatesName;                          // empty without a report
+
+  std::vector<std::string> Outputs() const {
+    std::vector<std::string> names{wordsName, depthName, previewName};
+    if (!fatesName.empty()) names.push_back(fatesName);
+    return names;
+  }
 };
 
 FrameFormat FormatOf(const std::string& input, const std::string& kind) {
@@ -60,7 +70,7 @@ FrameFormat FormatOf(const std::string& input, const std::string& kind) {
 void CheckNames(const AlignOptions& options, const std::vector<Job>& jobs) {
   std::map<std::string, std::string> sources{{kJsonName, ""}};
   for (const Job& job : jobs) {
-    for (const std::string& name : {job.wordsName, job.depthName, job.previewName}) {
+    for (const std::string& name : job.Outputs()) {
       const auto [other, isNew] = sources.emplace(name, job.input.string());
       if (!isNew) {
         throw UsageError(job.input.string() + ": would write " + name + ", as " + other->second + " does");
@@ -83,12 +93,7 @@ void CheckNames(const AlignOptions& options, const std::vector<Job>& jobs) {
 std::vector<Job> PlanJobs(const AlignOptions& options) {
   if (options.calibration.empty()) throw UsageError("--calibration FILE is required");
   if (options.inputs.empty()) throw UsageError("INPUT is required: one or more .raw or .png files");
-  // The library takes single precision.
-  if (!(options.ratio <= static_cast<double>(FLT_MAX) && static_cast<float>(options.ratio) > 0)) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%g", options.ratio);
-    throw UsageError(std::string("--ratio: ") + text + " is no finite single-precision number above 0");
-  }
+  CheckRatio(options.ratio);
   if (options.aux.size() > 1 && options.aux.size() != options.inputs.size()) {
     throw UsageError("--aux: " + std::to_string(options.aux.size()) + " pictures are neither one nor one for each of " +
                      std::to_string(options.inputs.size()) + " inputs");
@@ -96,8 +101,8 @@ std::vector<Job> PlanJobs(const AlignOptions& options) {
   std::vector<Job> jobs;
   for (const std::string& input : options.inputs) {
     const std::string name = fs::path(input).stem().string();
-    jobs.push_back(
-        {input, FormatOf(input, options.kind), name + ".aligned.raw", name + ".aligned.png", name + ".preview.png"});
+    jobs.push_back({input, FormatOf(input, options.kind), name + ".aligned.raw", name + ".aligned.png",
+                    name + ".preview.png", options.report ? name + ".fates.png" : ""});
   }
   const bool takesConfidence = jobs.size() == 1 && jobs[0].format == FrameFormat::kPngMillimetres;
   if (!options.confidence.empty() && !takesConfidence) {
@@ -123,9 +128,16 @@ std::vector<uint16_t> AlignedCodes(const std::vector<uint16_t>& words) {
   return codes;
 }
 
+/// `tables` are null if no report is wanted.
 FrameReport AlignFrame(const Job& job, DepthFrame frame, const cv::Mat& aux, const Aligner& aligner,
-                       StagedOutput& output) {
+                       const RunTables* tables, StagedOutput& output) {
   std::vector<uint16_t>& words = frame.words;
+  std::optional<FateCounts> counts;
+  if (tables != nullptr) {
+    const FrameFates fates = TraceFrame(*tables, words);
+    output.Write(job.fatesName, EncodePng(DrawFates(fates, job.input.filename().string())));
+    counts = fates.counts;
+  }
   std::vector<uint16_t> inputCodes = InputCodes(words);
   const double milliseconds = aligner.Align(words);
   std::vector<uint16_t> alignedCodes = AlignedCodes(words);
@@ -136,7 +148,7 @@ FrameReport AlignFrame(const Job& job, DepthFrame frame, const cv::Mat& aux, con
   output.Write(job.wordsName, FileBytes<uint16_t>(words));
   output.Write(job.depthName, EncodePng(AsMat(alignedCodes)));
   output.Write(job.previewName, EncodePng(preview));
-  return {job.input, {job.wordsName, job.depthName, job.previewName}, milliseconds, reached, frame.aboveRange};
+  return {job.input, job.Outputs(), milliseconds, reached, frame.aboveRange, counts};
 }
 
 void RunAlign(const AlignOptions& options) {
@@ -146,6 +158,8 @@ void RunAlign(const AlignOptions& options) {
 
   StagedOutput output(options.output);
   const Aligner aligner(options.calibration, ratio, options.log);
+  std::optional<RunTables> tables;
+  if (options.report) tables.emplace(calibration.record, ratio);
   std::vector<FrameReport> reports;
   cv::Mat aux;
   {
@@ -153,7 +167,7 @@ void RunAlign(const AlignOptions& options) {
     for (size_t i = 0; i < jobs.size(); ++i) {
       if (i < options.aux.size()) aux = ReadColourPicture(options.aux[i]);
       DepthFrame frame = ReadDepthFrame(jobs[i].input, jobs[i].format, options.confidence);
-      reports.push_back(AlignFrame(jobs[i], std::move(frame), aux, aligner, output));
+      reports.push_back(AlignFrame(jobs[i], std::move(frame), aux, aligner, tables ? &*tables : nullptr, output));
       progress.Show(i + 1);
     }
   }
@@ -186,6 +200,8 @@ void AddAlignCommand(CLI::App& app) {
   command->add_option("--aux", options->aux, "Picture of the aux camera for the preview: one, or one for each input")
       ->type_name("IMAGE")
       ->allow_extra_args(false);
+  command->add_flag("--report", options->report,
+                    "Says what became of the depth pixels, and draws it as NAME.fates.png");
   command->add_flag("--log", options->log, "Shows the lines that the library itself prints and logs");
   command
       ->add_option("INPUT", options->inputs,

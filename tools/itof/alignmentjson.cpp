@@ -4,9 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "alignment/alignmentcontext.h"
-#include "calibration/alignmentparams.h"
 #include "pixelwords.h"
+#include "workingcontext.h"
 
 namespace itoftool {
 namespace {
@@ -14,13 +13,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 Json AuxCamera(const itof::CalibrationRecord& record) {
-  itof::AlignmentParams params{};
-  params.tofWidth = params.auxWidth = itof::kFrameWidth;
-  params.tofHeight = params.auxHeight = itof::kFrameHeight;
-  itof::FillAlignmentParams(record, params);
-  itof::AlignmentContext context{};
-  itof::InitAlignmentContext(context, params, 1);
-
+  const itof::AlignmentContext context = MakeWorkingContext(record);
   const auto& k = context.params.auxIntrinsics;
   const itof::CameraModel& lens = context.auxModel;
   // Positions are cut to cells, not rounded: the middle of cell (u, v) is the position (u + 0.5, v + 0.5).
@@ -44,6 +37,13 @@ Json AuxCamera(const itof::CalibrationRecord& record) {
            "k6 r^6), tangential p1, p2; the output image is distorted like the camera's own"}};
 }
 
+Json Fates(const FateCounts& counts) {
+  Json fates;
+  for (size_t i = 0; i < std::size(kFateNames); ++i) fates[kFateNames[i].key] = counts.byFate[i];
+  fates["overwritten_by_pixels_without_depth"] = counts.overwrittenWithoutDepth;
+  return fates;
+}
+
 }  // namespace
 
 std::string AlignmentJson(const CalibrationFile& calibration, float ratio, const std::vector<FrameReport>& frames) {
@@ -53,6 +53,7 @@ std::string AlignmentJson(const CalibrationFile& calibration, float ratio, const
                     {"outputs", frame.outputs},
                     {"share_of_aux_pixels_reached", frame.reached},
                     {"input_values_above_8191", frame.aboveRange}});
+    if (frame.fates) list.back()["pixels_by_fate"] = Fates(*frame.fates);
   }
   const Json json = {
       {"tool", "itof " ITOF_VERSION},

@@ -4,10 +4,12 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "calibrationfile.h"
+#include "inspection/pixeltrace.h"
 
 namespace itoftool {
 
@@ -18,6 +20,7 @@ struct FrameReport {
   double milliseconds;               // that the library took
   double reached;                    // share of the aux pixels, 0..1, whose aligned word is not 0
   size_t aboveRange;                 // pixels that counted as without depth, being above the largest code
+  std::optional<FateCounts> fates;   // if a report was asked for
 };
 
 /// The file's text.

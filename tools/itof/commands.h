@@ -7,9 +7,14 @@
 namespace itoftool {
 
 void AddSelfTestCommand(CLI::App& app);
-// In builds with pictures only.
+// In builds for hosts only, where all that they need of OpenCV is to be had.
 void AddAlignCommand(CLI::App& app);
 void AddSimulateCommand(CLI::App& app);
+void AddCalibrationCommands(CLI::App& app);
+void AddExplainCommand(CLI::App& app);
+
+/// Throws UsageError, which names those that there are, unless a subcommand of `app` was given.
+void RequireSubcommand(const CLI::App& app);
 
 }  // namespace itoftool
 

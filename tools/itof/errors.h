@@ -2,7 +2,9 @@
 #ifndef ITOF_TOOL_ERRORS_H_
 #define ITOF_TOOL_ERRORS_H_
 
+#include <filesystem>
 #include <stdexcept>
+#include <string>
 
 namespace itoftool {
 
@@ -15,6 +17,11 @@ struct DataError : std::runtime_error {
 struct UsageError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
+
+/// Throws the DataError of a file.
+[[noreturn]] inline void Fail(const std::filesystem::path& path, const std::string& cause) {
+  throw DataError((path.empty() ? "\"\"" : path.string()) + ": " + cause);
+}
 
 }  // namespace itoftool
 

@@ -21,10 +21,6 @@ using File = std::unique_ptr<FILE, FileCloser>;
 
 constexpr size_t kLargestFile = size_t{256} << 20;
 
-[[noreturn]] void Fail(const fs::path& path, const std::string& cause) {
-  throw DataError((path.empty() ? "\"\"" : path.string()) + ": " + cause);
-}
-
 /// Writes to `path`; errors carry the name under which the user will know the file.
 void WriteBytes(const fs::path& path, const fs::path& knownAs, std::span<const uint8_t> bytes) {
   File file(std::fopen(path.c_str(), "wb"));

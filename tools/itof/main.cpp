@@ -43,9 +43,11 @@ int Run(int argc, char** argv) {
                                         itof::KernelBuildName(itof::PickKernelBuild()));
   // Not one at least, or the parser would ask for it where it should name the word that it does not know.
   app.require_subcommand(0, 1);
-#ifdef ITOF_HAS_PICTURES
+#ifdef ITOF_HAS_HOST_COMMANDS
   itoftool::AddAlignCommand(app);
   itoftool::AddSimulateCommand(app);
+  itoftool::AddCalibrationCommands(app);
+  itoftool::AddExplainCommand(app);
 #endif
   itoftool::AddSelfTestCommand(app);
   try {
@@ -53,11 +55,7 @@ int Run(int argc, char** argv) {
   } catch (const CLI::Success& help) {
     return app.exit(help);
   }
-  if (app.get_subcommands().empty()) {
-    std::string names;
-    for (const CLI::App* command : app.get_subcommands(nullptr)) names += " " + command->get_name();
-    throw itoftool::UsageError("a command is required, one of:" + names);
-  }
+  itoftool::RequireSubcommand(app);
   if (std::fflush(stdout) != 0) {
     throw itoftool::DataError(std::string("standard output: ") + std::strerror(errno) + "; the files are written");
   }
@@ -65,6 +63,15 @@ int Run(int argc, char** argv) {
 }
 
 }  // namespace
+
+void itoftool::RequireSubcommand(const CLI::App& app) {
+  if (!app.get_subcommands().empty()) return;
+  std::string names;
+  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+    names += " " + command->get_name();
+  }
+  throw UsageError("a command of " + app.get_name() + " is required, one of:" + names);
+}
 
 int main(int argc, char** argv) {
   OpenStandardStreams();

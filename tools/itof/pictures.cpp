@@ -19,10 +19,6 @@ namespace itoftool {
 namespace fs = std::filesystem;
 namespace {
 
-[[noreturn]] void Fail(const fs::path& path, const std::string& cause) {
-  throw DataError(path.string() + ": " + cause);
-}
-
 bool StartsWith(std::span<const uint8_t> bytes, std::initializer_list<uint8_t> start) {
   return bytes.size() >= start.size() && std::equal(start.begin(), start.end(), bytes.begin());
 }

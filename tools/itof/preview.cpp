@@ -7,41 +7,13 @@
 #include <opencv2/imgproc.hpp>
 #include <vector>
 
-#include "pixelwords.h"
+#include "drawing.h"
 
 namespace itoftool {
 namespace {
 
-constexpr int kMargin = 14;
-constexpr int kTitleHeight = 34;
 constexpr int kLegendHeight = 74;
-constexpr int kTextHeight = 12;
-const cv::Scalar kPaper(30, 28, 28);
-const cv::Scalar kInk(225, 225, 225);
 const cv::Scalar kWarning(60, 190, 255);
-
-/// Draws `text` with its left end at `x` and its middle at `middle`; returns the x behind it.
-int DrawText(cv::Mat& picture, const std::string& text, int x, int middle, const cv::Scalar& colour = kInk) {
-  constexpr int kFont = cv::FONT_HERSHEY_SIMPLEX;
-  constexpr double kScale = kTextHeight / 22.0;
-  cv::putText(picture, text, {x, middle + kTextHeight / 2}, kFont, kScale, colour, 1, cv::LINE_AA);
-  return x + cv::getTextSize(text, kFont, kScale, 1, nullptr).width;
-}
-
-int TextWidth(const std::string& text) {
-  cv::Mat none(1, 1, CV_8UC3);
-  return DrawText(none, text, 0, 0);
-}
-
-/// The end of a caption says more than its start, a file name; what is too long loses its front. The font has ASCII
-/// only.
-std::string FitText(std::string text, int width) {
-  std::ranges::replace_if(
-      text, [](char c) { return c < ' ' || c > '~'; }, '?');
-  if (TextWidth(text) <= width) return text;
-  while (!text.empty() && TextWidth("..." + text) > width) text.erase(0, 1);
-  return "..." + text;
-}
 
 /// Maps depth codes between two limits to colours; codes beyond a limit get its colour.
 class ColourScale {
@@ -78,16 +50,6 @@ class ColourScale {
   cv::Mat shades_;
 };
 
-cv::Mat Hatch(int width, int height) {
-  cv::Mat hatch(height, width, CV_8UC3);
-  for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x) {
-      hatch.at<cv::Vec3b>(y, x) = cv::Vec3b::all((x + y) % 8 < 2 ? 88 : 56);
-    }
-  }
-  return hatch;
-}
-
 /// `background` with the colours of `codes` where there is depth, `opacity` of them.
 cv::Mat Colourise(const cv::Mat& codes, const ColourScale& scale, const cv::Mat& background, float opacity) {
   cv::Mat picture = background.clone();
@@ -100,13 +62,6 @@ cv::Mat Colourise(const cv::Mat& codes, const ColourScale& scale, const cv::Mat&
     }
   }
   return picture;
-}
-
-void DrawPanel(cv::Mat& sheet, int column, int row, const std::string& title, const cv::Mat& panel) {
-  const int x = kMargin + column * (panel.cols + kMargin);
-  const int y = row * (panel.rows + kTitleHeight) + kTitleHeight;
-  DrawText(sheet, title, x, y - kTitleHeight / 2 + 2);
-  panel.copyTo(sheet(cv::Rect(x, y, panel.cols, panel.rows)));
 }
 
 /// Rounds the colours to fewer levels, which the eye hardly sees and which halves the size of the file.

@@ -4,19 +4,12 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
+#include <numeric>
+
+#include "quantile.h"
 
 namespace itoftool {
-namespace {
-
-/// The value that a share `q` of all values does not exceed.
-double Quantile(const std::vector<double>& sorted, double q) {
-  const double rank = std::ceil(q * static_cast<double>(sorted.size()));
-  return sorted[static_cast<size_t>(std::max(rank, 1.0)) - 1];
-}
-
-}  // namespace
 
 std::string Percent(double share) {
   char text[16];
@@ -38,6 +31,29 @@ void Progress::Show(size_t done) const {
   std::fprintf(stderr, "\r[%s] %zu of %zu frames", bar.c_str(), done, total_);
   std::fflush(stderr);
 }
+
+namespace {
+
+/// The fates of all frames together, if they were followed.
+void PrintFates(const std::vector<FrameReport>& frames) {
+  if (!frames.front().fates) return;
+  FateCounts sum;
+  for (const FrameReport& frame : frames) {
+    for (size_t i = 0; i < sum.byFate.size(); ++i) sum.byFate[i] += frame.fates->byFate[i];
+    sum.overwrittenWithoutDepth += frame.fates->overwrittenWithoutDepth;
+  }
+  const size_t total = std::accumulate(sum.byFate.begin(), sum.byFate.end(), size_t{0});
+  std::printf("depth pixels                %zu, of which\n", total);
+  for (size_t i = 0; i < sum.byFate.size(); ++i) {
+    const double share = static_cast<double>(sum.byFate[i]) / static_cast<double>(total);
+    std::printf("  %10zu  %7s  %s", sum.byFate[i], Percent(share).c_str(), kFateNames[i].text);
+    const bool overwritten = static_cast<Fate>(i) == Fate::kOverwritten;
+    if (overwritten) std::printf(", %zu of them by one without depth", sum.overwrittenWithoutDepth);
+    std::printf("\n");
+  }
+}
+
+}  // namespace
 
 void PrintSummary(const std::vector<FrameReport>& frames, const std::filesystem::path& directory) {
   std::vector<double> milliseconds;
@@ -65,6 +81,7 @@ void PrintSummary(const std::vector<FrameReport>& frames, const std::filesystem:
   for (const FrameReport& frame : frames) {
     if (frame.aboveRange > 0) std::printf("  %s: %zu\n", frame.input.c_str(), frame.aboveRange);
   }
+  PrintFates(frames);
   std::printf("written to                  %s\n", directory.c_str());
 }
 

@@ -1,0 +1,129 @@
+// The commands that look into calibrations and frames, on cameras whose numbers are known by hand.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <opencv2/core.hpp>
+#include <opencv2/imgcodecs.hpp>
+#include <string>
+#include <vector>
+
+#include "calibrationbytes.h"
+#include "toolrunner.h"
+
+namespace {
+
+class InspectionToolTest : public ToolRunner {
+ protected:
+  void SetUp() override {
+    ToolRunner::SetUp();
+    Write("good.bin", CalibrationBytes(IdentityCalibration()));
+    // 25 mm to the left: 12.8 pixels at 1 m.
+    Write("apart.bin", CalibrationBytes(IdentityCalibration({{22, -25}})));
+    Write("short.bin", Read("good.bin").substr(1));
+    Write("bad.bin", CalibrationBytes(IdentityCalibration({{14, 0.5F}, {25, 1}})));
+  }
+
+  /// The run succeeds, and prints each of these.
+  void ExpectOutput(const std::string& arguments, const std::vector<std::string>& parts) const {
+    const Result result = Run(arguments);
+    EXPECT_TRUE(result.code == 0 && result.err.empty()) << arguments << ": " << result.err;
+    for (const std::string& part : parts) {
+      EXPECT_NE(result.out.find(part), std::string::npos) << '"' << part << "\" in\n" << result.out;
+    }
+  }
+};
+
+TEST_F(InspectionToolTest, ShowSaysWhereEqualCamerasSeePixels) {
+  const Result result = Run("calibration show --json apart.bin");
+  ASSERT_EQ(result.code, 0) << result.err;
+  const auto json = nlohmann::json::parse(result.out);
+  const auto& field = json["fields"][22];
+  EXPECT_TRUE(field["byte"] == 88 && field["name"] == "translation[0]" && field["value"] == -25) << field;
+  EXPECT_EQ(json["fields"].size(), 57U);
+  EXPECT_EQ(json["aux_camera"]["matrix_640x360"], nlohmann::json::parse("[[512,0,320],[0,512,180],[0,0,1]]"));
+  const double view = std::atan2(320.5, 512) + std::atan2(319.5, 512);  // from edge to edge
+  EXPECT_NEAR(json["tof_camera"]["field_of_view_degrees"]["horizontal"], view * 180 / std::acos(-1), 1e-3);
+  EXPECT_EQ(json["extrinsics"]["baseline_mm"], 25);
+  EXPECT_EQ(json["extrinsics"]["aux_camera_in_tof_frame_mm"][0], 25);
+  const auto& centre = json["exact_positions"][4];
+  EXPECT_EQ(centre["tof_pixel"], nlohmann::json::parse("[320, 180]"));
+  EXPECT_NEAR(centre["aux"][1]["position"][0], 320 - 12.8, 1e-9);
+  // Rounded to 13 pixels, and measured from the middle of the cell.
+  EXPECT_NEAR(json["alignment_error_pixels"][1]["median"], std::hypot(0.3, 0.5), 1e-9);
+  ExpectOutput("calibration show apart.bin",
+               {"\n  88  translation[0]      -25               depth codes (mm)\n", "25.000 mm\n",
+                "(320, 180)    (277.33, 180.00)    (307.20, 180.00)    (315.73, 180.00)\n", "\n  1.0 m      0.58 "});
+}
+
+TEST_F(InspectionToolTest, CheckPrintsFindingsAndFailsOnErrors) {
+  ExpectOutput("calibration check apart.bin", {"apart.bin: 0 errors, 0 warnings\n"});
+  ExpectOutput("calibration check good.bin",
+               {"warning [no-extrinsics]\n  The rotation is", "\n  What to do: ", "good.bin: 0 errors, 1 warning\n"});
+  const Result result = Run("calibration check bad.bin");
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err, "itof: bad.bin: 1 error, 1 warning\n");
+  EXPECT_NE(result.out.find("error [rotation]\n"), std::string::npos) << result.out;
+}
+
+TEST_F(InspectionToolTest, DiffNamesFieldsAndMovesPixels) {
+  ExpectOutput("calibration diff good.bin good.bin", {"The fields are the same.\n"});
+  ExpectOutput("calibration diff good.bin apart.bin",
+               {"  translation[0]      0                 -25 ", "\n  1.0 m     12.80     12.80 ",
+                "4320             0\n", "(320, 180)  (-12.8, +0.0)"});
+}
+
+TEST_F(InspectionToolTest, ExplainFollowsOnePixel) {
+  ExpectOutput("explain --calibration apart.bin --at 320,180 --code 1000",
+               {"undistorted           (320.000, 180.000)", "parallax              (-12.800, 0.000)",
+                "ideal position        (307.200, 180.000)", "lens table            (307.000, 180.000)",
+                "lands in cell         (307, 180)", "exact projection      (307.200, 180.000)", "0.583"});
+  ExpectOutput("explain --calibration apart.bin --at 5,180 --code 1000",
+               {"ideal cell            (-7, 180)", "dropped"});
+  // Pixel p is at 2 p + 1/2 in a picture twice as fine.
+  ExpectOutput("explain --calibration good.bin --at 100,50 --code 1000 --ratio 2",
+               {"at the far plane      (200.500, 100.500)", "lands in cell         (100, 50)"});
+  // A lens that puts the corner outside, and a pixel that goes to the corner for it.
+  Write("pincushion.bin", CalibrationBytes(IdentityCalibration({{22, -1}, {47, 0.5F}})));
+  ExpectOutput("explain --calibration pincushion.bin --at 8,8 --code 8000",
+               {"no entry", "lands in cell         (0, 0)"});
+  ExpectOutput("explain --calibration apart.bin --at 5,180 --code 0", {"no depth", "ideal cell            (0, 0)"});
+}
+
+TEST_F(InspectionToolTest, ReportSumsFatesOverAFrame) {
+  std::string frame;
+  for (int i = 0; i < 640 * 360; ++i) frame += i == 700 ? std::string(2, '\0') : std::string("\xE8\x03");  // 1000
+  Write("frame.raw", frame);
+  // Of the pixels with depth, columns 0 to 11 leave the frame on the left, and 12 and 13 come to the same cells. The one
+  // without depth takes the cell of the one before it.
+  ExpectOutput("align --calibration apart.bin --report --output out frame.raw",
+               {"depth pixels                230400, of which\n      225718 ",
+                "  361    0.2 %  overwritten by a later pixel, 1 of them by one without depth\n",
+                "4320    1.9 %  outside the ideal grid\n"});
+  const auto json = nlohmann::json::parse(Read("out/alignment.json"));
+  EXPECT_EQ(json["frames"][0]["pixels_by_fate"]["outside_ideal_grid"], 12 * 360);
+  EXPECT_EQ(json["frames"][0]["outputs"][3], "frame.fates.png");
+  const cv::Mat sheet = cv::imread(folder_ / "out/frame.fates.png");
+  ASSERT_FALSE(sheet.empty());
+  const auto colourAt = [&](int x, int y) { return sheet.at<cv::Vec3b>(34 + y, 14 + x); };
+  EXPECT_EQ(colourAt(5, 100), cv::Vec3b(70, 70, 235));  // lost: red
+  EXPECT_NE(colourAt(5, 100), colourAt(50, 100));
+  EXPECT_NE(colourAt(59, 1), colourAt(50, 100));  // overwritten
+}
+
+TEST_F(InspectionToolTest, BadInputGivesOneLine) {
+  ExpectFailure(1, "calibration show short.bin", "short.bin*227*228");
+  ExpectFailure(1, "calibration show missing.bin", "missing.bin*No such file");
+  ExpectFailure(2, "calibration show", "FILE is required");
+  ExpectFailure(1, "calibration check missing.bin", "missing.bin*No such file");
+  ExpectFailure(1, "calibration diff good.bin short.bin", "short.bin*227*228");
+  ExpectFailure(2, "calibration diff good.bin", "B is required");
+  ExpectFailure(2, "explain --at 1,1 --code 5", "--calibration is required");
+  ExpectFailure(2, "explain --calibration good.bin --at 640,1 --code 5", "--at: (640, 1) is not in the frame");
+  ExpectFailure(2, "explain --calibration good.bin --at 1 --code 5", "--at*2 required");
+  ExpectFailure(2, "explain --calibration good.bin --at 1,1 --code 8192", "--code*8192*8191");
+  ExpectFailure(2, "explain --calibration good.bin --at 1,1 --code 5 --ratio 0", "--ratio: 0 ");
+  ExpectFailure(1, "explain --calibration short.bin --at 1,1 --code 5", "short.bin*227*228");
+}
+
+}  // namespace

@@ -1,0 +1,148 @@
+// Lenses are inverted by Newton's method, which shares no error with the library's three rounds, and points are
+// projected one by one, without far plane or tables.
+#include "inspection/camerapair.h"
+
+#include <cmath>
+#include <limits>
+#include <numbers>
+#include <opencv2/calib3d.hpp>
+
+#include "pixelwords.h"
+#include "workingcontext.h"
+
+namespace itoftool {
+namespace {
+
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+/// Whether the radial model is sound at a radius: the denominator is well above zero, and the distorted radius grows.
+bool Holds(const simulation::Lens& lens, double radius) {
+  constexpr double kNearZero = 0.01;
+  const double r2 = radius * radius;
+  const double numerator = 1 + r2 * (lens.k1 + r2 * (lens.k2 + r2 * lens.k3));
+  const double denominator = 1 + r2 * (lens.k4 + r2 * (lens.k5 + r2 * lens.k6));
+  const double numeratorSlope = lens.k1 + r2 * (2 * lens.k2 + r2 * 3 * lens.k3);  // by r2
+  const double denominatorSlope = lens.k4 + r2 * (2 * lens.k5 + r2 * 3 * lens.k6);
+  // The derivative of r * numerator / denominator, times the denominator's square.
+  const double growth =
+      numerator * denominator + 2 * r2 * (numeratorSlope * denominator - numerator * denominatorSlope);
+  return denominator > kNearZero && growth > 0;
+}
+
+cv::Vec3d Direction(cv::Point2d ray) { return {ray.x, ray.y, 1}; }
+
+}  // namespace
+
+simulation::Camera MakeCamera(const itof::CameraModel& model) {
+  const auto& [k1, k2, k3, k4, k5, k6, p1, p2, cx, cy, fx, fy, invFx, invFy] = model;
+  return {.fx = fx, .fy = fy, .cx = cx, .cy = cy, .lens = {k1, k2, k3, k4, k5, k6, p1, p2}};
+}
+
+CameraPair MakeCameraPair(const itof::CalibrationRecord& record) {
+  const itof::AlignmentContext context = MakeWorkingContext(record);
+  const auto entry = [&](int i) { return static_cast<double>(record.translation[i]); };
+  return {.tof = MakeCamera(context.tofModel),
+          .aux = MakeCamera(context.auxModel),
+          .rotation = cv::Matx33d(context.params.rotation),
+          .translation = {entry(0), entry(1), entry(2)}};
+}
+
+std::vector<cv::Point> TofPixels(int step) {
+  std::vector<cv::Point> pixels;
+  for (int y = step / 2; y < itof::kFrameHeight; y += step) {
+    for (int x = step / 2; x < itof::kFrameWidth; x += step) pixels.emplace_back(x, y);
+  }
+  return pixels;
+}
+
+std::vector<cv::Point> NinePixels() {
+  constexpr int kMarginX = itof::kFrameWidth / 10, kMarginY = itof::kFrameHeight / 10;
+  std::vector<cv::Point> pixels;
+  for (const int y : {kMarginY, itof::kFrameHeight / 2, itof::kFrameHeight - 1 - kMarginY}) {
+    for (const int x : {kMarginX, itof::kFrameWidth / 2, itof::kFrameWidth - 1 - kMarginX}) pixels.emplace_back(x, y);
+  }
+  return pixels;
+}
+
+std::vector<cv::Point2d> Rays(const simulation::Camera& camera, std::span<const cv::Point2d> pixels) {
+  std::vector<cv::Point2d> rays;
+  rays.reserve(pixels.size());
+  for (const cv::Point2d& pixel : pixels) {
+    const auto ray =
+        simulation::Undistort(camera.lens, {(pixel.x - camera.cx) / camera.fx, (pixel.y - camera.cy) / camera.fy});
+    rays.push_back(ray ? cv::Point2d(ray->x, ray->y) : cv::Point2d(kNan, kNan));
+  }
+  return rays;
+}
+
+std::vector<cv::Point2d> Rays(const simulation::Camera& camera, std::span<const cv::Point> pixels) {
+  return Rays(camera, std::vector<cv::Point2d>(pixels.begin(), pixels.end()));
+}
+
+std::vector<cv::Point2d> AuxPositions(const CameraPair& pair, std::span<const cv::Point2d> tofRays, double depth) {
+  const double reach = LensReach(pair.aux.lens);
+  std::vector<cv::Point3d> points;
+  std::vector<bool> seen;
+  for (const cv::Point2d& ray : tofRays) {
+    const cv::Vec3d point = pair.rotation * Direction(ray) * depth + pair.translation;
+    seen.push_back(point[2] > 0 && std::hypot(point[0], point[1]) < reach * point[2]);
+    points.emplace_back(seen.back() ? point : cv::Vec3d(0, 0, 1));
+  }
+  const auto& [fx, fy, cx, cy, lens] = pair.aux;
+  const cv::Matx33d matrix(fx, 0, cx, 0, fy, cy, 0, 0, 1);
+  const auto& [k1, k2, k3, k4, k5, k6, p1, p2] = lens;
+  const cv::Matx<double, 1, 8> distortion(k1, k2, p1, p2, k3, k4, k5, k6);
+  std::vector<cv::Point2d> positions;
+  cv::projectPoints(points, cv::Vec3d(), cv::Vec3d(), matrix, distortion, positions);
+  for (size_t i = 0; i < positions.size(); ++i) {
+    if (!seen[i]) positions[i] = {kNan, kNan};
+  }
+  return positions;
+}
+
+double LensReach(const simulation::Lens& lens) {
+  constexpr int kSteps = 8900;
+  const auto radius = [](int step) { return std::tan(step * (std::numbers::pi / 180 / 100)); };
+  int step = 1;
+  while (step <= kSteps && Holds(lens, radius(step))) ++step;
+  if (step > kSteps) return std::numeric_limits<double>::infinity();
+  double low = radius(step - 1), high = radius(step);
+  for (int round = 0; round < 40; ++round) {
+    const double middle = (low + high) / 2;
+    (Holds(lens, middle) ? low : high) = middle;
+  }
+  return low;
+}
+
+bool InFrame(cv::Point2d position) {
+  return position.x >= 0 && position.x < itof::kFrameWidth && position.y >= 0 && position.y < itof::kFrameHeight;
+}
+
+double Angle(const cv::Vec3d& a, const cv::Vec3d& b) {
+  return std::atan2(cv::norm(a.cross(b)), a.dot(b)) * (180 / std::numbers::pi);
+}
+
+double OrthonormalityError(const cv::Matx33d& matrix) {
+  return cv::norm(matrix * matrix.t() - cv::Matx33d::eye(), cv::NORM_INF);
+}
+
+double RotationAngle(const cv::Matx33d& r) {
+  // From the skew part, too, since the trace alone hardly tells small angles.
+  const double twiceSine = std::hypot(r(2, 1) - r(1, 2), r(0, 2) - r(2, 0), r(1, 0) - r(0, 1));
+  return std::atan2(twiceSine, cv::trace(r) - 1) * (180 / std::numbers::pi);
+}
+
+FieldOfView MeasureFieldOfView(const simulation::Camera& camera) {
+  constexpr double kLeft = -0.5, kRight = itof::kFrameWidth - 0.5, kTop = -0.5, kBottom = itof::kFrameHeight - 0.5;
+  constexpr double kMiddleX = (kLeft + kRight) / 2, kMiddleY = (kTop + kBottom) / 2;
+  const auto span = [&](cv::Point2d from, cv::Point2d to) {
+    const cv::Point2d ends[] = {from, to};
+    const auto rays = Rays(camera, ends);
+    return Angle(Direction(rays[0]), Direction(rays[1]));
+  };
+  return {.horizontal = span({kLeft, kMiddleY}, {kRight, kMiddleY}),
+          .vertical = span({kMiddleX, kTop}, {kMiddleX, kBottom}),
+          .diagonal = span({kLeft, kTop}, {kRight, kBottom})};
+}
+
+}  // namespace itoftool

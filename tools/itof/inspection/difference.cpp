@@ -1,0 +1,70 @@
+// Two calibrations are compared in what the alignment makes of them: a field that it does not use moves nothing.
+#include "inspection/difference.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "calibration/calibrationfields.h"
+#include "inspection/comparison.h"
+#include "inspection/description.h"
+#include "text.h"
+
+namespace itoftool {
+namespace {
+
+/// The rows of the table of fields that differ.
+std::string DifferingFields(const itof::CalibrationRecord& a, const itof::CalibrationRecord& b) {
+  std::string rows;
+  for (const itof::CalibrationField& field : itof::kCalibrationFields) {
+    for (size_t index = 0; index < field.count; ++index) {
+      const std::string valueA = EntryText(a, field, index), valueB = EntryText(b, field, index);
+      if (valueA == valueB) continue;
+      rows += Format("  %-18s  %-16s  %-16s  %s\n", itof::EntryName(field, index).c_str(), valueA.c_str(),
+                     valueB.c_str(), EntryUnit(field, index).c_str());
+    }
+  }
+  return rows;
+}
+
+/// How nine pixels move at 1 m, which shows the kind of a displacement.
+std::string NineMoves(const RunTables& tablesA, const RunTables& tablesB) {
+  const std::vector<cv::Point> pixels = NinePixels();
+  const auto a = AlignedPositions(tablesA, pixels, 1000), b = AlignedPositions(tablesB, pixels, 1000);
+  std::string text = "\nHow nine of them move at 1 m, pixels to the right and down\n";
+  for (size_t i = 0; i < pixels.size(); ++i) {
+    const cv::Point2d move = b[i] - a[i];
+    const std::string from = Format("(%d, %d)", pixels[i].x, pixels[i].y);
+    const std::string by = std::isnan(move.x) ? "not with both" : Format("(%+.1f, %+.1f)", move.x, move.y);
+    text += Format("  %-10s  %-16s%s", from.c_str(), by.c_str(), i % 3 == 2 ? "\n" : "");
+  }
+  return text;
+}
+
+size_t CountLanded(const std::vector<cv::Point2d>& positions) {
+  return static_cast<size_t>(std::ranges::count_if(positions, [](cv::Point2d p) { return !std::isnan(p.x); }));
+}
+
+}  // namespace
+
+std::string DifferenceText(const itof::CalibrationRecord& a, const itof::CalibrationRecord& b) {
+  const std::string rows = DifferingFields(a, b);
+  if (rows.empty()) return "The fields are the same.\n";
+  std::string text = "Fields that differ, A and B\n";
+  text += rows;
+  text += "\nBy how much aligned pixels move from A to B, pixels (before they are cut to cells)\n";
+  text += "  depth    median   maximum, at ToF pixel        only with A   only with B\n";
+  const RunTables tablesA(a, 1), tablesB(b, 1);
+  const std::vector<cv::Point> pixels = TofPixels(1);
+  for (const uint16_t depth : kCompareDepths) {
+    const auto landedA = AlignedPositions(tablesA, pixels, depth), landedB = AlignedPositions(tablesB, pixels, depth);
+    const Spread spread = MeasureSpread(pixels, landedA, landedB);
+    const std::string where = Format("(%d, %d)", spread.where.x, spread.where.y);
+    text += Format("  %.1f m  %8.2f %9.2f  %-18s %12zu  %12zu\n", depth / 1000.0, spread.median, spread.maximum,
+                   spread.count > 0 ? where.c_str() : "-", CountLanded(landedA) - spread.count,
+                   CountLanded(landedB) - spread.count);
+  }
+  return text + NineMoves(tablesA, tablesB);
+}
+
+}  // namespace itoftool

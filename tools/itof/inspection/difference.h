@@ -1,0 +1,17 @@
+// In what two calibrations differ.
+#ifndef ITOF_TOOL_INSPECTION_DIFFERENCE_H_
+#define ITOF_TOOL_INSPECTION_DIFFERENCE_H_
+
+#include <string>
+
+#include "calibration/calibrationrecord.h"
+
+namespace itoftool {
+
+/// Text for a terminal: the fields that differ, and by how many pixels the alignment moves pixels from A to B. Both records
+/// must be usable.
+std::string DifferenceText(const itof::CalibrationRecord& a, const itof::CalibrationRecord& b);
+
+}  // namespace itoftool
+
+#endif  // ITOF_TOOL_INSPECTION_DIFFERENCE_H_

@@ -1,0 +1,17 @@
+// Text for people on a terminal.
+#ifndef ITOF_TOOL_TEXT_H_
+#define ITOF_TOOL_TEXT_H_
+
+#include <string>
+
+namespace itoftool {
+
+/// As printf. The formats are the callers' own.
+[[gnu::format(printf, 1, 2)]] std::string Format(const char* format, ...);
+
+/// `text` in lines of at most `width` characters, broken at blanks, each after `indent` blanks and with a line end.
+std::string Wrap(const std::string& text, size_t indent, size_t width = 100);
+
+}  // namespace itoftool
+
+#endif  // ITOF_TOOL_TEXT_H_
