@@ -69,6 +69,9 @@ void AddCalibrationCommands(CLI::App& app) {
   addFile(diff, "A", paths->a);
   addFile(diff, "B", paths->b);
   diff->callback([paths] { Diff(paths->a, paths->b); });
+
+  AddImportCommand(*group);
+  AddExportCommand(*group);
 }
 
 }  // namespace itoftool

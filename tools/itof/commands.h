@@ -12,6 +12,9 @@ void AddAlignCommand(CLI::App& app);
 void AddSimulateCommand(CLI::App& app);
 void AddCalibrationCommands(CLI::App& app);
 void AddExplainCommand(CLI::App& app);
+// Of the group `calibration`.
+void AddImportCommand(CLI::App& calibration);
+void AddExportCommand(CLI::App& calibration);
 
 /// Throws UsageError, which names those that there are, unless a subcommand of `app` was given.
 void RequireSubcommand(const CLI::App& app);

@@ -89,7 +89,7 @@ void JudgeShape(const JudgedPair& judged, PickCamera pick, Findings& findings) {
              camera.name, width, height, crop.width, crop.height, crop.left, crop.top) +
              judged.Effect(other),
          "If the sensor delivers the whole image squashed, all is well. If it delivers a crop, write the matrix and "
-         "the size of the crop."});
+         "the size of the crop; \"itof calibration import --tof-window\" does that for the ToF camera."});
     return;
   }
   camera.matrix[4] = static_cast<float>(fy * workingRatio);
