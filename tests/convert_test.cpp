@@ -202,8 +202,9 @@ TEST_F(ConvertTest, FailsWithOneLineAndKeepsWhatWasThere) {
     SCOPED_TRACE(value);
     ExpectFailure(1, import, pattern);
   }
-  for (const std::string& text : {std::string(), std::string("text\n"), good.substr(0, 90), std::string("[1]"),
-                                  std::string("{\"M1\": [[[1"), std::string("%YAML:1.0\n---\n- 1\n")}) {
+  for (const std::string& text :
+       {std::string(), std::string("text\n"), good.substr(0, 90), std::string("[1]"), std::string("{\"M1\": [[[1"),
+        std::string("%YAML:1.0\n---\n- 1\n"), std::string("%YAML:1.0\n---\na:\n   : 8\n")}) {
     Write("bad.yml", text);
     ExpectFailure(1, import, "bad.yml: ");
   }

@@ -8,7 +8,9 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <iterator>
+#include <new>
 #include <opencv2/calib3d.hpp>
 #include <opencv2/core.hpp>
 
@@ -209,7 +211,8 @@ std::vector<double> ReadKey(const cv::FileStorage& storage, const Quantity& plac
   return Checked(place, kind, numbers);
 }
 
-/// Opens a file that has keys, and no key twice, of which OpenCV would show one. Throws DataError and cv::Exception.
+/// Opens a file that has keys, and no key twice, of which OpenCV would show one. Throws DataError and what OpenCV
+/// throws.
 void Open(cv::FileStorage& storage, const fs::path& path) {
   const std::vector<uint8_t> bytes = ReadFile(path);
   storage.open({bytes.begin(), bytes.end()}, cv::FileStorage::READ | cv::FileStorage::MEMORY);
@@ -224,7 +227,7 @@ void Open(cv::FileStorage& storage, const fs::path& path) {
 }
 
 /// What the parser says, if its text has the form "...(7): Missing , between the elements'".
-std::string ParserFault(const cv::Exception& error) {
+std::string ParserFault(const std::exception& error) {
   const std::string text = error.what();
   const size_t close = text.rfind("): ");
   const size_t open = text.rfind('(', close);
@@ -275,7 +278,11 @@ void TakeFile(const fs::path& path, StereoPair& pair) {
         }
       }
     });
-  } catch (const cv::Exception& error) {
+  } catch (const DataError&) {
+    throw;
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception& error) {  // OpenCV's own, or one of the C++ library that its parser lets through
     Fail(path, "is damaged, or no YAML, XML or JSON as OpenCV reads it" + ParserFault(error));
   }
 }
