@@ -12,20 +12,13 @@ std::vector<double> Entries(const double (&matrix)[9]) { return {matrix, matrix 
 
 TEST(AlignmentContext, ScalesWholeMatricesWithPixelCentresKept) {
   // Calibrated at twice the ToF frame's size, and at a quarter and a half of the aux frame's.
-  const AlignmentParams params{1280,
-                               720,
-                               160,
-                               180,
-                               640,
-                               360,
-                               640,
-                               360,
-                               {1000, 0, 642, 0, 1008, 358, 0, 0, 1},
-                               {128, 3, 80, 5, 256, 90, 0.5, 0.25, 2},
-                               {},
-                               {},
-                               {},
-                               {}};
+  // clang-format off
+  const AlignmentParams params{.tofCalibWidth = 1280, .tofCalibHeight = 720, .auxCalibWidth = 160, .auxCalibHeight = 180,
+                               .tofWidth = 640, .tofHeight = 360, .auxWidth = 640, .auxHeight = 360,
+                               .tofIntrinsics = {1000, 0, 642, 0, 1008, 358, 0, 0, 1},
+                               .auxIntrinsics = {128, 3, 80, 5, 256, 90, 0.5, 0.25, 2},
+                               .rotation = {}, .translation = {}, .tofDistortion = {}, .auxDistortion = {}};
+  // clang-format on
   AlignmentContext context{};
   InitAlignmentContext(context, params, 3);
   EXPECT_EQ(context.distortionEnabled, 3);
@@ -34,9 +27,10 @@ TEST(AlignmentContext, ScalesWholeMatricesWithPixelCentresKept) {
   // Times 4 plus 1.5 times the last row; times 2 plus 0.5 times the last row; the last row as it was.
   EXPECT_EQ(Entries(context.params.auxIntrinsics),
             (std::vector<double>{512.75, 12.375, 323, 10.25, 512.125, 181, 0.5, 0.25, 2}));
+  context.targetsPrepared = true;
   ReleaseAlignmentContext(context);
   EXPECT_FALSE(context.confidence || context.farPlaneMapX || context.farPlaneMapY || context.distortMapX ||
-               context.distortMapY);
+               context.distortMapY || context.targetsPrepared);
 }
 
 }  // namespace

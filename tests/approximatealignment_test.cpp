@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <ctime>
 #include <limits>
+#include <string>
 #include <vector>
 
 namespace itof {
@@ -62,10 +64,14 @@ void ExpectAligned(const Scene& scene) {
   }
   std::vector<uint16_t> working(PixelCount(scene.auxWidth, scene.auxHeight), kKept);
   testing::internal::CaptureStdout();
+  const std::clock_t start = std::clock();
   EXPECT_EQ(RunApproximateAlignment(context, frame.data(), working.data(), farX.data(), farY.data(), tableX.data(),
                                     tableY.data()),
             1);
-  EXPECT_EQ(fnmatch("cost time(distort) : ?.?????? (s)\n", testing::internal::GetCapturedStdout().c_str(), 0), 0);
+  const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+  const std::string line = testing::internal::GetCapturedStdout();
+  EXPECT_EQ(fnmatch("cost time(distort) : ?.?????? (s)\n", line.c_str(), 0), 0) << line;
+  EXPECT_LE(std::stod(line.substr(line.find(':') + 1)), seconds + 1e-6) << "the part takes no longer than the whole";
   for (size_t i = 0; i < frame.size(); ++i) EXPECT_EQ(context.confidence[i], scene.pixels[i].confidence) << i;
   EXPECT_EQ(working, scene.expected);
 }
@@ -107,6 +113,12 @@ TEST(ApproximateAlignment, ScenesByHand) {
   };
   // clang-format on
   for (const Scene& scene : scenes) ExpectAligned(scene);
+
+  // A frame too wide for float arithmetic: the parallax of 2^20 - 4 pixels is exact, and so is the cell.
+  Scene wide{"a very wide aux frame", 1, (1 << 20) + 1, 1, {{20, 1, 3, 0}}, {}, {}, 2.0, (1 << 20) - 4.0};
+  wide.expected.assign(size_t{1} << 20 | 1, kKept);
+  wide.expected[(1 << 20) - 1] = 0x2010;
+  ExpectAligned(wide);
 }
 
 TEST(ApproximateAlignment, PreparedTargetsAreThoseOfTheOwnMaps) {
@@ -132,6 +144,7 @@ TEST(ApproximateAlignment, PreparedTargetsAreThoseOfTheOwnMaps) {
   for (int round = 0; round < 2; ++round) {  // other maps in between do not stay behind
     EXPECT_EQ(aligned(context.distortMapX.get(), context.distortMapY.get()), straight);
     EXPECT_EQ(aligned(swapped, zero), crossed);
+    EXPECT_EQ(aligned(context.distortMapX.get(), swapped), (std::vector<uint16_t>{kKept, 0x0220}));
   }
   std::ranges::copy(swapped, context.distortMapX.get());
   EXPECT_EQ(aligned(context.distortMapX.get(), context.distortMapY.get()), crossed) << "made anew";

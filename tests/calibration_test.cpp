@@ -19,9 +19,9 @@ itof::CalibrationRecord Decode(const CalibrationFields& fields) {
 
 TEST(Calibration, EveryFieldComesFromItsPlaceInTheFile) {
   CalibrationFields fields;
-  for (size_t i = 0; i < fields.size(); ++i) fields[i] = 1000.25F + static_cast<float>(i);
+  for (size_t i = 0; i < fields.size(); ++i) fields[i] = 1000.75F + static_cast<float>(i);
   const itof::CalibrationRecord record = Decode(fields);
-  EXPECT_EQ(record.aux_fl_ratio, 1056.25F);
+  EXPECT_EQ(record.aux_fl_ratio, 1056.75F);
   itof::AlignmentParams params{};
   itof::FillAlignmentParams(record, params);
   const int32_t sizes[] = {params.tofCalibWidth, params.tofCalibHeight, params.auxCalibWidth, params.auxCalibHeight};
@@ -30,20 +30,20 @@ TEST(Calibration, EveryFieldComesFromItsPlaceInTheFile) {
   const auto expectRun = [](const double* values, int count, double first) {
     for (int i = 0; i < count; ++i) EXPECT_EQ(values[i], first + i) << "entry " << i << " from " << first;
   };
-  expectRun(params.tofIntrinsics, 9, 1004.25);
-  expectRun(params.rotation, 9, 1013.25);
-  expectRun(params.auxIntrinsics, 9, 1029.25);
-  expectRun(params.tofDistortion, 8, 1039.25);
-  expectRun(params.auxDistortion, 8, 1047.25);
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(params.translation[i], (1022.25 + i) / 10.0);
+  expectRun(params.tofIntrinsics, 9, 1004.75);
+  expectRun(params.rotation, 9, 1013.75);
+  expectRun(params.auxIntrinsics, 9, 1029.75);
+  expectRun(params.tofDistortion, 8, 1039.75);
+  expectRun(params.auxDistortion, 8, 1047.75);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(params.translation[i], (1022.75 + i) / 10.0);
 }
 
 TEST(Calibration, ConversionsCutFractionsAndDivideTheTranslation) {
   itof::AlignmentParams params{};
-  itof::FillAlignmentParams(Decode(IdentityCalibration({{2, 639.9F}, {3, -0.5F}, {23, -3}, {27, 3e9F}, {28, kNan}})),
+  itof::FillAlignmentParams(Decode(IdentityCalibration({{2, -3e9F}, {3, -0.5F}, {23, -3}, {27, 3e9F}, {28, kNan}})),
                             params);
   const int32_t sizes[] = {params.tofCalibWidth, params.tofCalibHeight, params.auxCalibWidth, params.auxCalibHeight};
-  EXPECT_EQ(std::vector<int32_t>(sizes, sizes + 4), (std::vector<int32_t>{639, 0, 2147483647, 0}));
+  EXPECT_EQ(std::vector<int32_t>(sizes, sizes + 4), (std::vector<int32_t>{-2147483647 - 1, 0, 2147483647, 0}));
   EXPECT_EQ(params.translation[1], -0.3);  // -3.0 * 0.1 is one unit in the last place off
 }
 

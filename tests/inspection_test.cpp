@@ -258,17 +258,6 @@ TEST(PixelTrace, TellsWhereTheLibraryPutsEachPixel) {
   }
 }
 
-TEST(PixelTrace, PixelsWithoutDepthTakeTheCellOfTheOneBefore) {
-  const CalibrationRecord same = itof::DecodeCalibrationRecord(CalibrationBytes(IdentityCalibration()).data());
-  std::vector<uint16_t> words(size_t{itof::kFrameWidth} * itof::kFrameHeight, 1000);
-  words[700] = 0;
-  const FrameFates frame = TraceFrame(RunTables(same, 1), words);
-  EXPECT_EQ(frame.fates[699], Fate::kOverwritten);
-  EXPECT_EQ(frame.fates[700], Fate::kNoDepth);
-  EXPECT_EQ(frame.counts.byFate[static_cast<size_t>(Fate::kLanded)], words.size() - 2);
-  EXPECT_EQ(frame.counts.overwrittenWithoutDepth, 1U);
-}
-
 TEST(Comparison, MeasuresFromTheMiddlesOfCells) {
   // Equal cameras in one place: a pixel's exact position is the upper left corner of its cell.
   const CalibrationRecord same = itof::DecodeCalibrationRecord(CalibrationBytes(IdentityCalibration()).data());

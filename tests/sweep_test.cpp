@@ -15,7 +15,9 @@
 #include "alignment/approximatealignment.h"
 #include "alignment/distortlut.h"
 #include "alignment/farplane.h"
+#include "alignment/idealcells.h"
 #include "alignment/matrixmultiply.h"
+#include "floats.h"
 #include "kernelbuildchoice.h"
 #include "plain/plainsteps.h"
 #include "simulation/lens.h"
@@ -56,14 +58,12 @@ class Output {
   T* Library() { return library_.data() + kGuard; }
   T* Plain() { return plain_.data() + kGuard; }
 
-  // Any not-a-number equals any other, since processors keep different payloads.
   void ExpectSame(const char* what) const {
     for (size_t i = 0; i < library_.size(); ++i) {
       const bool inside = i >= kGuard && i < kGuard + size_;
       const T got = library_[i];
       const T expected = inside ? plain_[i] : T{101};
-      const bool same = (got != got && expected != expected) || std::memcmp(&got, &expected, sizeof got) == 0;
-      ASSERT_TRUE(same && (inside || plain_[i] == T{55}))
+      ASSERT_TRUE(SameBits(got, expected) && (inside || plain_[i] == T{55}))
           << what << ", entry " << static_cast<ptrdiff_t>(i - kGuard) << ": " << +got << " instead of " << +expected;
     }
   }
@@ -145,14 +145,19 @@ void Spoil(Random& random, T& object, size_t offset = 0) {
   std::memcpy(reinterpret_cast<char*>(&object) + at, &extreme, sizeof extreme);
 }
 
-// A few numbers become extreme ones, or every pixel has one position midway between two floats, where the last bit of
-// the far plane's division shows.
+// A few numbers become extreme ones; or every pixel has one position midway between two floats, where the last bit of the
+// far plane's division shows; or every point lies in the plane of the aux camera, neither before nor behind it.
 void MakeExtreme(Random& random, Rig& rig) {
   AlignmentContext& context = rig.context;
   if (random.OneIn(4)) {
     rig.scaleX = rig.scaleY = 1.0;
     const double aux[9] = {0, 0, 16 + 0x1p-20, 0, 0, 16 - 0x1p-21, 0, 0, 1};
     std::copy_n(aux, 9, context.params.auxIntrinsics);
+    return;
+  }
+  if (random.OneIn(8)) {
+    std::fill_n(context.params.rotation + 6, 3, 0.0);
+    context.params.translation[2] = 0.0;
     return;
   }
   if (random.OneIn(2)) Spoil(random, context.params, offsetof(itof::AlignmentParams, tofIntrinsics));
@@ -207,10 +212,7 @@ void CompareApproximateAlignment(Random& random, Rig& rig, Kind kind) {
   };
   const auto farPlane = [&](int32_t side, double p, int32_t code) {
     if (code == 0 || random.OneIn(2)) return position(side);
-    float far = static_cast<float>(random.Integer(-1, side + 1) - 0.5 - p / (code / 10.0));
-    const float end = random.OneIn(2) ? HUGE_VALF : -HUGE_VALF;
-    for (int32_t i = random.Integer(0, 6); i > 0; --i) far = std::nextafter(far, end);
-    return far;
+    return FloatsBeside(random.Integer(-1, side + 1) - 0.5 - p / (code / 10.0), random.Integer(-6, 6));
   };
   std::array<std::vector<float>, 4> maps;
   std::vector<uint16_t> frame;
@@ -263,6 +265,29 @@ TEST(Sweep, StepsEqualTheirPlainForms) {
       }
     }
     EXPECT_GT(stored, 10000);
+  }
+}
+
+// Estimates of positions at edges, most of all of those whose parallax is about as large as the grid.
+TEST(Sweep, IdealCellsAreThoseOfTheDefinition) {
+  Random random;
+  const itof::Grid grid{640, 360};
+  for (int block = 0; block < 10000; ++block) {
+    const itof::Parallax parallax = itof::MakeParallax(random.Between(-4e5, 4e5), random.Between(-4e3, 4e3), grid);
+    const auto largest = static_cast<int32_t>(std::fabs(parallax.x) / 64);  // code whose parallax is the grid's width
+    uint16_t words[itof::kCellBlock];
+    float farX[itof::kCellBlock], farY[itof::kCellBlock];
+    for (int i = 0; i < itof::kCellBlock; ++i) {
+      const int32_t code = random.Integer(largest / 4, std::min(2 * largest, 8190)) + 1;
+      words[i] = static_cast<uint16_t>(code);
+      farX[i] = FloatsBeside(random.Integer(1, 639) - 0.5 - parallax.x / (code / 10.0), random.Integer(-8, 8));
+      farY[i] = FloatsBeside(random.Integer(1, 359) - 0.5 - parallax.y / (code / 10.0), random.Integer(-8, 8));
+    }
+    int32_t cells[itof::kCellBlock];
+    FindIdealCells(parallax, grid, words, farX, farY, itof::kCellBlock, cells);
+    for (int i = 0; i < itof::kCellBlock; ++i) {
+      ASSERT_EQ(cells[i], IdealCell(parallax, grid, words[i], farX[i], farY[i])) << "code " << words[i];
+    }
   }
 }
 

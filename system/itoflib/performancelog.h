@@ -46,14 +46,15 @@ inline ZerunTime TimeStamp() {
 /// source file that the statement stands in. `line` is part of the text that log readers search for, and stays the same
 /// wherever the statement moves. A macro, since the Android format is joined from string literals and since __FILE__
 /// and __func__ must be the caller's.
-#define ITOF_PERFORMANCE_LOG(line, format, ...)                                                                     \
-  do {                                                                                                              \
-    if (!itof::PerformanceLogEnabled()) break;                                                                      \
-    if (itof::AndroidCopyEnabled()) {                                                                               \
-      __android_log_print(ANDROID_LOG_ERROR, "OrvoX", "[ERROR]%s %s:%d %s() " format "\n", "[UNKNOWN]",             \
-                          itof::BaseName(__FILE__), line, __func__, __VA_ARGS__);                                   \
-    }                                                                                                               \
-    OrvoLog::LogSystem("[ERROR]", "E", "[UNKNOWN]", itof::BaseName(__FILE__), __func__, line, format, __VA_ARGS__); \
+#define ITOF_PERFORMANCE_LOG(line, format, ...)                                                                       \
+  do {                                                                                                                \
+    if (itof::PerformanceLogEnabled()) {                                                                              \
+      if (itof::AndroidCopyEnabled()) {                                                                               \
+        __android_log_print(ANDROID_LOG_ERROR, "OrvoX", "[ERROR]%s %s:%d %s() " format "\n", "[UNKNOWN]",             \
+                            itof::BaseName(__FILE__), line, __func__, __VA_ARGS__);                                   \
+      }                                                                                                               \
+      OrvoLog::LogSystem("[ERROR]", "E", "[UNKNOWN]", itof::BaseName(__FILE__), __func__, line, format, __VA_ARGS__); \
+    }                                                                                                                 \
   } while (false)
 
 #endif  // ITOF_PERFORMANCELOG_H_

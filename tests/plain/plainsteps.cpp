@@ -58,7 +58,8 @@ void InitAlignmentContext(itof::AlignmentContext& context, const itof::Alignment
                           uint8_t distortionEnabled) {
   context.params = params;
   context.distortionEnabled = distortionEnabled;
-  const auto pixels = static_cast<size_t>(params.tofWidth * params.tofHeight);
+  const bool empty = params.tofWidth < 1 || params.tofHeight < 1;
+  const auto pixels = static_cast<size_t>(empty ? 0 : params.tofWidth * params.tofHeight);
   context.confidence = std::make_unique<uint8_t[]>(pixels);
   for (auto* map : {&context.farPlaneMapX, &context.farPlaneMapY, &context.distortMapX, &context.distortMapY}) {
     *map = std::make_unique<float[]>(pixels);

@@ -37,7 +37,6 @@ ITOF_KERNEL inline void AlignBlock(const Parallax& parallax, Grid ideal, const u
   carried = target;
 }
 
-/// The ToF frame must have pixels.
 void FillTargets(AlignmentContext& context, const float* distortMapX, const float* distortMapY) {
   const AlignmentParams& params = context.params;
   const bool distortion = context.distortionEnabled != 0;
@@ -72,7 +71,6 @@ void AlignFrame(AlignmentContext& context, const uint16_t* frame, uint16_t* work
 }  // namespace
 
 void PrepareTargets(AlignmentContext& context) {
-  if (PixelCount(context.params.tofWidth, context.params.tofHeight) == 0) return;
   FillTargets(context, context.distortMapX.get(), context.distortMapY.get());
   context.targetsPrepared = true;
 }
@@ -81,14 +79,12 @@ int32_t RunApproximateAlignment(AlignmentContext& context, const uint16_t* frame
                                 const float* farPlaneMapX, const float* farPlaneMapY, const float* distortMapX,
                                 const float* distortMapY) {
   const std::clock_t start = std::clock();
-  if (PixelCount(context.params.tofWidth, context.params.tofHeight) > 0) {
-    const bool ownMaps = distortMapX == context.distortMapX.get() && distortMapY == context.distortMapY.get();
-    if (!context.targetsPrepared || !ownMaps) {
-      context.targetsPrepared = false;
-      FillTargets(context, distortMapX, distortMapY);
-    }
-    AlignFrame(context, frame, workingBuffer, farPlaneMapX, farPlaneMapY);
+  const bool ownMaps = distortMapX == context.distortMapX.get() && distortMapY == context.distortMapY.get();
+  if (!context.targetsPrepared || !ownMaps) {
+    context.targetsPrepared = false;
+    FillTargets(context, distortMapX, distortMapY);
   }
+  AlignFrame(context, frame, workingBuffer, farPlaneMapX, farPlaneMapY);
   const std::clock_t end = std::clock();
   std::printf("cost time(distort) : %lf (s)\n", static_cast<double>(end - start) / 1000000.0);
   return 1;

@@ -51,7 +51,7 @@ ITOF_KERNEL inline int32_t CutEntry(float entry, float bound) {
 }
 
 /// Fills `table`, which has a border of one cell around the ideal grid, with indices into the aux frame or kDropped.
-/// The maps are those of DistortLUT. The ToF frame must have pixels.
+/// The maps are those of DistortLUT.
 ITOF_KERNEL inline void FillTargetTable(const AlignmentParams& params, bool distortion, const float* mapX,
                                         const float* mapY, uint32_t* table) {
   const Grid ideal = IdealGrid(params, distortion);
@@ -61,7 +61,7 @@ ITOF_KERNEL inline void FillTargetTable(const AlignmentParams& params, bool dist
   std::fill_n(table + ideal.IndexWithBorder(-1, ideal.height), ideal.width + 2, kDropped);
   for (int32_t row = 0; row < ideal.height; ++row) {
     uint32_t* __restrict targets = table + ideal.IndexWithBorder(0, row);
-    const int32_t mapped = distortion && row < params.tofHeight ? params.tofWidth : 0;
+    const int32_t mapped = distortion && row < params.tofHeight ? std::max(params.tofWidth, 0) : 0;
     const float* __restrict x = mapX + ptrdiff_t{row} * mapped;
     const float* __restrict y = mapY + ptrdiff_t{row} * mapped;
     for (int32_t column = 0; column < mapped; ++column) {
