@@ -1,0 +1,53 @@
+// Any bytes as the calibration file: what the library takes gives frames that can be repeated, and what it refuses
+// leaves frames alone.
+#include <algorithm>
+#include <cstdint>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "fuzz/require.h"
+#include "itofinterface.h"
+#include "recordingplatform.h"
+
+namespace {
+
+using Frame = std::vector<uint16_t>;
+
+Frame SomeFrame() {
+  std::mt19937 random(1);
+  Frame frame(size_t{ITOF_FRAME_WIDTH} * ITOF_FRAME_HEIGHT);
+  // Of all sizes of codes, and a quarter of them without depth.
+  for (uint16_t& word : frame)
+    word = static_cast<uint16_t>((random() & 0xFFFF) >> random() % 14 & -(random() % 4 != 0));
+  return frame;
+}
+
+/// The frame after its way through the library.
+Frame Aligned(Frame frame) {
+  Require(itof_execute_algo(frame.data(), 1.25F) == 0, "a frame's result is 0");
+  return frame;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  static const Frame frame = SomeFrame();
+  static Frame present = frame;  // what the library makes of it; nothing, before it has a calibration
+  g_platform = {.file = std::string(data, data + size)};
+  const int32_t result = itof_init();
+  Require(g_platform.openStreams == 0, "the file is closed");
+  if (size < 228) Require(result == ITOF_CALIBRATION_SHORT, "a short file is called so");
+  if (size >= 228) Require(result == ITOF_OK || result == ITOF_CALIBRATION_UNUSABLE, "any other file is usable or not");
+  if (result != ITOF_OK) {
+    Require(Aligned(frame) == present, "after a refusal the library is as it was before");
+    return 0;
+  }
+
+  const Frame first = present = Aligned(frame);
+  Require(std::ranges::all_of(first, [](uint16_t word) { return word < 0x0800; }), "aligned words have 11 bits");
+  Require(Aligned(frame) == first, "the second frame of a run gives the same words");
+  itof_deinit();
+  Require(Aligned(frame) == first, "and so does the next run");
+  return 0;
+}

@@ -1,0 +1,111 @@
+// Any file to each of the tool's readers: it is taken, or refused with an error of the tool's own.
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "calibrationfile.h"
+#include "errors.h"
+#include "frames.h"
+#include "fuzz/require.h"
+#include "inspection/findings.h"
+#include "pictures.h"
+#include "stereofile.h"
+#include "stereorecord.h"
+
+namespace {
+
+using namespace itoftool;
+
+/// A file that is in memory only.
+class MemoryFile {
+ public:
+  MemoryFile(const uint8_t* data, size_t size) : descriptor_(memfd_create("input", MFD_CLOEXEC)) {
+    Require(write(descriptor_, data, size) == static_cast<ssize_t>(size), "the input can be written");
+  }
+  ~MemoryFile() { close(descriptor_); }
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
+
+  std::filesystem::path Path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
+
+ private:
+  int descriptor_;
+};
+
+/// What is exported comes in again as the same record.
+void RequireRoundTrip(const itof::CalibrationRecord& record) {
+  for (const char* name : {"a.yml", "a.xml", "a.json"}) {
+    const std::string text = StereoFileText(PairOf(record), StereoFileFormat(name));
+    const MemoryFile file(reinterpret_cast<const uint8_t*>(text.data()), text.size());
+    const itof::CalibrationRecord again = RecordOf(ReadStereoFiles({file.Path()}, {}, {}), std::nullopt);
+    Require(std::memcmp(&again, &record, sizeof record) == 0, "an export comes in as what it was made of");
+  }
+}
+
+void ReadStereo(const std::filesystem::path& path) {
+  const itof::CalibrationRecord record = RecordOf(ReadStereoFiles({path}, {}, {}), std::nullopt);
+  try {
+    RequireRoundTrip(record);
+  } catch (const DataError& error) {
+    Require(false, error.what());
+  }
+}
+
+/// A frame without depth, for readers that need one beside their file.
+std::filesystem::path NoDepth() {
+  static const std::vector<uint8_t> bytes = EncodePng(cv::Mat(360, 640, CV_16U, cv::Scalar(0)));
+  static const MemoryFile file(bytes.data(), bytes.size());
+  return file.Path();
+}
+
+void Read(int reader, const std::filesystem::path& path, std::span<const uint8_t> bytes) {
+  switch (reader) {
+    case 0:
+      ReadCalibrationFile(path);
+      break;
+    case 1:
+      CheckCalibration(bytes);
+      break;
+    case 2:
+      ReadStereo(path);
+      break;
+    case 3:
+      ReadDepthFrame(path, FrameFormat::kRawWords, {});
+      break;
+    case 4:
+      ReadDepthFrame(path, FrameFormat::kPngWords, {});
+      break;
+    case 5:
+      ReadDepthFrame(path, FrameFormat::kPngMillimetres, {});
+      break;
+    case 6:
+      ReadDepthFrame(NoDepth(), FrameFormat::kPngMillimetres, path);
+      break;
+    case 7:
+      RecordOf(ReadStereoFiles({path, path}, {}, {}), Window{0, 60, 640, 360});
+      break;
+    default:
+      ReadColourPicture(path);
+  }
+}
+
+}  // namespace
+
+/// The first byte picks the reader, the rest is the file.
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  if (size == 0) return 0;
+  const MemoryFile file(data + 1, size - 1);
+  try {
+    Read(data[0] % 9, file.Path(), {data + 1, size - 1});
+  } catch (const DataError&) {
+  } catch (const UsageError&) {
+  }
+  return 0;
+}
