@@ -13,10 +13,10 @@
 #include <cstddef>
 #include <cstring>
 #include <exception>
-#include <fstream>
 #include <stdexcept>
-#include <string>
 #include <vector>
+
+#include "residentmemory.h"
 
 namespace itofbench {
 namespace {
@@ -95,16 +95,6 @@ long PageFaults() {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
   return usage.ru_minflt + usage.ru_majflt;
-}
-
-/// The exact figure: that of /proc/self/statm may be off by as much as is looked for here.
-double ResidentKiB() {
-  std::ifstream rollup("/proc/self/smaps_rollup");
-  std::string word;
-  double resident = 0;
-  while (rollup >> word && word != "Rss:") continue;
-  if (!(rollup >> resident)) throw std::runtime_error("/proc/self/smaps_rollup: no resident size");
-  return resident;
 }
 
 }  // namespace
