@@ -16,6 +16,7 @@
 #include "inspection/camerapair.h"
 #include "inspection/findings.h"
 #include "stereofile.h"
+#include "stereokeys.h"
 #include "stereorecord.h"
 #include "text.h"
 

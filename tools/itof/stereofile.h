@@ -1,4 +1,4 @@
-// The files of OpenCV's stereo calibration: which keys hold a camera pair, and what is accepted under them.
+// The files of OpenCV's stereo calibration, read and written.
 #ifndef ITOF_TOOL_STEREOFILE_H_
 #define ITOF_TOOL_STEREOFILE_H_
 
@@ -6,39 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "stereopair.h"
+
 namespace itoftool {
-
-/// Finite numbers, and where they come from. Without numbers, it was not found.
-struct Quantity {
-  std::vector<double> values;
-  std::string key;   // as the file spells it, or an option of the command line
-  std::string file;  // empty: no file
-};
-
-/// Throws the DataError of a quantity.
-[[noreturn]] void Fail(const Quantity& quantity, const std::string& cause);
-
-/// One camera, in pixels; integer coordinates are pixel centres.
-struct StereoCamera {
-  Quantity size;        // width and height of the pictures that `matrix` refers to, 1 to 2^31 - 1
-  Quantity matrix;      // 3x3 row-major
-  Quantity distortion;  // 8, 12 or 14 coefficients in OpenCV's order: k1, k2, p1, p2, k3, k4, k5, k6, ...
-};
-
-/// A point X in the ToF camera's frame lies at rotation * X + translation in the aux camera's frame.
-struct StereoPair {
-  StereoCamera tof;      // camera 1 of the files
-  StereoCamera aux;      // camera 2
-  Quantity rotation;     // 3x3 row-major
-  Quantity translation;  // 3, in the files' unit of length
-  Quantity auxFlRatio;   // 1; the geometry does not use it
-};
-
-/// The key of a translation that is in millimetres in every file.
-inline constexpr char kMillimetreKey[] = "translation_mm";
-
-/// All keys that are accepted, for a help text.
-std::string StereoKeysHelp();
 
 /// The pair that YAML, XML or JSON files hold together. `tofSize` and `auxSize` may be without numbers; else they stand
 /// for what the files lack, and must not contradict them. Shorter distortions are filled up with 0, rotation vectors

@@ -21,8 +21,6 @@
 namespace itoftool {
 namespace {
 
-constexpr size_t kFileCoefficients = 8;
-
 /// Where a quantity's numbers are in the record, as floats one after the other.
 struct Slot {
   Quantity& quantity;

@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "calibration/calibrationrecord.h"
-#include "stereofile.h"
+#include "stereopair.h"
 
 namespace itoftool {
 

@@ -32,4 +32,10 @@ std::string Wrap(const std::string& text, size_t indent, size_t width) {
   return wrapped + margin + line + "\n";
 }
 
+std::string Joined(const std::vector<std::string>& parts) {
+  std::string text;
+  for (const std::string& part : parts) text += (text.empty() ? "" : ", ") + part;
+  return text;
+}
+
 }  // namespace itoftool

@@ -3,6 +3,7 @@
 #define ITOF_TOOL_TEXT_H_
 
 #include <string>
+#include <vector>
 
 namespace itoftool {
 
@@ -11,6 +12,9 @@ namespace itoftool {
 
 /// `text` in lines of at most `width` characters, broken at blanks, each after `indent` blanks and with a line end.
 std::string Wrap(const std::string& text, size_t indent, size_t width = 100);
+
+/// The parts with ", " between them.
+std::string Joined(const std::vector<std::string>& parts);
 
 }  // namespace itoftool
 
