@@ -1,25 +1,20 @@
 // Frame after frame, as in a camera that is never switched off, through the finished library: memory and open files must
 // not grow, and the same frame must give the same words.
-#include <unistd.h>
-#include <zerun/hostfiles.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "calibration/calibrationrecord.h"
 #include "itofinterface.h"
 #include "residentmemory.h"
 #include "silence.h"
-#include "simulation/rig.h"
+#include "simulatedcalibration.h"
 
 namespace {
 
@@ -38,31 +33,12 @@ struct Holdings {
   }
 };
 
-/// A calibration file, where the library looks for it.
-class CalibrationFile {
- public:
-  CalibrationFile() {
-    const itof::CalibrationRecord record = itoftool::simulation::GentleRig().record;
-    std::ofstream(path_, std::ios::binary).write(reinterpret_cast<const char*>(&record), sizeof record);
-    ZerunHost::RedirectPath(itof::kCalibrationPath, path_);
-  }
-  ~CalibrationFile() {
-    std::error_code ignored;
-    fs::remove(path_, ignored);
-  }
-  CalibrationFile(const CalibrationFile&) = delete;
-  CalibrationFile& operator=(const CalibrationFile&) = delete;
-
- private:
-  fs::path path_ = fs::temp_directory_path() / ("itof-longrun-" + std::to_string(getpid()) + ".bin");
-};
-
 /// Whether nothing has grown after frame `settled`.
 bool Run(long frames, long settled) {
   std::vector<uint16_t> input(size_t{ITOF_FRAME_WIDTH} * ITOF_FRAME_HEIGHT);
   for (size_t i = 0; i < input.size(); ++i) input[i] = static_cast<uint16_t>(i * 40503 >> 7);
   std::vector<uint16_t> frame, expected;
-  const CalibrationFile calibration;
+  const itofbench::SimulatedCalibration calibration;
   Holdings before, after;
   {
     const itoftool::Silence silence(stdout);

@@ -2,12 +2,10 @@
 #include "workloads.h"
 
 #include <benchmark/benchmark.h>
-#include <zerun/hostfiles.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <numeric>
 #ifdef ITOF_HAS_CALIB3D
@@ -27,10 +25,10 @@
 #include "alignment/kernelbuild.h"
 #include "alignment/targettable.h"
 #include "calibration/alignmentparams.h"
-#include "calibration/calibrationrecord.h"
 #include "itofinterface.h"
 #include "plain/plainframe.h"
 #include "plain/plainsteps.h"
+#include "simulatedcalibration.h"
 #include "simulation/simulation.h"
 
 namespace itofbench {
@@ -59,26 +57,19 @@ Words HalfEmpty(Words words) {
 struct Stage {
   Stage();
 
-  std::unique_ptr<FILE, int (*)(FILE*)> calibration{std::tmpfile(), std::fclose};
+  SimulatedCalibration calibration;
   AlignmentContext context{};
   Words frame = Words(kPixels);  // aligned in place, so put back before each call
   Words workingBuffer = Words(kPixels);
 };
 
 Stage::Stage() {
-  const itof::CalibrationRecord record = itoftool::simulation::GentleRig().record;
-  if (!calibration || std::fwrite(&record, sizeof record, 1, calibration.get()) != 1 ||
-      std::fflush(calibration.get()) != 0) {
-    throw std::runtime_error("no temporary file for the calibration");
-  }
-  // The file has no name of its own, so nothing remains of it however the program ends.
-  ZerunHost::RedirectPath(itof::kCalibrationPath, "/proc/self/fd/" + std::to_string(fileno(calibration.get())));
   if (itof_init() != ITOF_OK) throw std::runtime_error("itof_init refuses the calibration");
 
   itof::AlignmentParams params{};
   params.tofWidth = params.auxWidth = ITOF_FRAME_WIDTH;
   params.tofHeight = params.auxHeight = ITOF_FRAME_HEIGHT;
-  itof::FillAlignmentParams(record, params);
+  itof::FillAlignmentParams(calibration.record, params);
   itof::InitAlignmentContext(context, params, 1);
   plain::AlignmentFarPlane(context, context.farPlaneMapX.get(), context.farPlaneMapY.get(), 1.0, 1.0);
   plain::DistortLUT(context, context.distortMapX.get(), context.distortMapY.get());
