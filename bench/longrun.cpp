@@ -13,8 +13,8 @@
 
 #include "itofinterface.h"
 #include "residentmemory.h"
-#include "silence.h"
 #include "simulatedcalibration.h"
+#include "support/silence.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "alignment/kernelbuild.h"
-#include "silence.h"
+#include "support/silence.h"
 #include "targets.h"
 #include "workloads.h"
 

@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <string>
 
-#include "silence.h"
 #include "steadiness.h"
+#include "support/silence.h"
 
 namespace itofbench {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "calibration/alignmentparams.h"
 #include "calibration/calibrationcheck.h"
-#include "calibrationbytes.h"
+#include "support/calibrationbytes.h"
 
 namespace {
 

@@ -16,15 +16,15 @@
 #include "alignment/approximatealignment.h"
 #include "alignment/distortlut.h"
 #include "alignment/farplane.h"
-#include "calibrationbytes.h"
+#include "check/findings.h"
 #include "inspection/camerapair.h"
 #include "inspection/comparison.h"
-#include "inspection/findings.h"
 #include "inspection/pixeltrace.h"
-#include "mistakes.h"
+#include "inspection/workingcontext.h"
 #include "pixelwords.h"
 #include "simulation/rig.h"
-#include "workingcontext.h"
+#include "support/calibrationbytes.h"
+#include "support/mistakes.h"
 
 namespace itoftool {
 namespace {

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "calibrationbytes.h"
-#include "toolrunner.h"
+#include "support/calibrationbytes.h"
+#include "support/toolrunner.h"
 
 namespace {
 

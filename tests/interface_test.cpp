@@ -13,9 +13,9 @@
 #include <string>
 #include <vector>
 
-#include "calibrationbytes.h"
 #include "performancelog.h"
-#include "recordingplatform.h"
+#include "support/calibrationbytes.h"
+#include "support/recordingplatform.h"
 
 namespace {
 

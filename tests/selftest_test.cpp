@@ -8,9 +8,9 @@
 #include <string>
 #include <string_view>
 
-#include "kernelbuildchoice.h"
 #include "plain/plainsteps.h"
 #include "selftest/digest.h"
+#include "support/kernelbuildchoice.h"
 
 namespace itoftool::selftest {
 namespace {

@@ -14,8 +14,8 @@
 #include <utility>
 #include <vector>
 
-#include "initlibrary.h"
 #include "itofinterface.h"
+#include "support/initlibrary.h"
 
 namespace {
 

@@ -17,10 +17,10 @@
 #include "alignment/farplane.h"
 #include "alignment/idealcells.h"
 #include "alignment/matrixmultiply.h"
-#include "floats.h"
-#include "kernelbuildchoice.h"
+#include "camera/lens.h"
 #include "plain/plainsteps.h"
-#include "simulation/lens.h"
+#include "support/floats.h"
+#include "support/kernelbuildchoice.h"
 
 namespace {
 

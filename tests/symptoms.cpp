@@ -5,10 +5,10 @@
 #include <fstream>
 #include <string>
 
+#include "check/findings.h"
 #include "inspection/comparison.h"
-#include "inspection/findings.h"
-#include "mistakes.h"
 #include "simulation/rig.h"
+#include "support/mistakes.h"
 
 using namespace itoftool;
 

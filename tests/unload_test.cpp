@@ -5,9 +5,9 @@
 #include <opencv2/core.hpp>
 #include <vector>
 
-#include "calibrationbytes.h"
 #include "itofinterface.h"
-#include "recordingplatform.h"
+#include "support/calibrationbytes.h"
+#include "support/recordingplatform.h"
 
 // This program has the platform's globals in place of those of the libraries that are loaded beside it, on purpose.
 extern "C" const char* __asan_default_options() { return "detect_odr_violation=0"; }

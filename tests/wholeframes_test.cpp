@@ -6,11 +6,11 @@
 #include <vector>
 
 #include "calibration/alignmentparams.h"
-#include "initlibrary.h"
 #include "itofinterface.h"
 #include "plain/plainframe.h"
 #include "plain/plainsteps.h"
 #include "simulation/rig.h"
+#include "support/initlibrary.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 
 #include "fuzz/require.h"
 #include "itofinterface.h"
-#include "recordingplatform.h"
+#include "support/recordingplatform.h"
 
 namespace {
 

@@ -12,15 +12,15 @@
 #include <utility>
 #include <vector>
 
-#include "calibrationbytes.h"
 #include "fuzz/callsinput.h"
 #include "fuzz/require.h"
+#include "inspection/workingcontext.h"
 #include "itofinterface.cpp"
 #include "plain/plainframe.h"
 #include "plain/plainsteps.h"
-#include "recordingplatform.h"
 #include "simulation/rig.h"
-#include "workingcontext.h"
+#include "support/calibrationbytes.h"
+#include "support/recordingplatform.h"
 
 namespace {
 

@@ -10,14 +10,14 @@
 #include <string>
 #include <vector>
 
-#include "calibrationfile.h"
-#include "errors.h"
-#include "frames.h"
+#include "check/findings.h"
+#include "files/calibrationfile.h"
+#include "files/frames.h"
+#include "files/pictures.h"
 #include "fuzz/require.h"
-#include "inspection/findings.h"
-#include "pictures.h"
-#include "stereofile.h"
-#include "stereorecord.h"
+#include "stereo/file.h"
+#include "stereo/record.h"
+#include "support/errors.h"
 
 namespace {
 

@@ -12,15 +12,15 @@
 #include <vector>
 
 #include "calibration/alignmentparams.h"
-#include "calibrationbytes.h"
+#include "files/pictures.h"
 #include "fuzz/callsinput.h"
 #include "fuzz/stepsinput.h"
-#include "mistakes.h"
-#include "pictures.h"
 #include "plain/plainsteps.h"
 #include "simulation/rig.h"
-#include "stereofile.h"
-#include "stereorecord.h"
+#include "stereo/file.h"
+#include "stereo/record.h"
+#include "support/calibrationbytes.h"
+#include "support/mistakes.h"
 
 namespace {
 

@@ -10,11 +10,11 @@
 #include "alignment/approximatealignment.h"
 #include "alignment/distortlut.h"
 #include "alignment/farplane.h"
-#include "floats.h"
 #include "fuzz/require.h"
 #include "fuzz/stepsinput.h"
-#include "kernelbuildchoice.h"
 #include "plain/plainsteps.h"
+#include "support/floats.h"
+#include "support/kernelbuildchoice.h"
 
 namespace {
 

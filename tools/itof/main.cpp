@@ -12,8 +12,8 @@
 #include <string>
 
 #include "alignment/kernelbuild.h"
-#include "commands.h"
-#include "errors.h"
+#include "commands/commands.h"
+#include "support/errors.h"
 
 namespace {
 

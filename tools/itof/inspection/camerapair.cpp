@@ -7,8 +7,8 @@
 #include <numbers>
 #include <opencv2/calib3d.hpp>
 
+#include "inspection/workingcontext.h"
 #include "pixelwords.h"
-#include "workingcontext.h"
 
 namespace itoftool {
 namespace {

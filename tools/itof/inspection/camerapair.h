@@ -8,7 +8,7 @@
 
 #include "alignment/alignmentcontext.h"
 #include "calibration/calibrationrecord.h"
-#include "simulation/lens.h"
+#include "camera/lens.h"
 
 namespace itoftool {
 

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "quantile.h"
+#include "support/quantile.h"
 
 namespace itoftool {
 namespace {

@@ -10,7 +10,7 @@
 #include "inspection/comparison.h"
 #include "inspection/pixeltrace.h"
 #include "pixelwords.h"
-#include "text.h"
+#include "support/text.h"
 
 namespace itoftool {
 namespace {

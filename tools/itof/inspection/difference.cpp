@@ -8,7 +8,7 @@
 #include "calibration/calibrationfields.h"
 #include "inspection/comparison.h"
 #include "inspection/description.h"
-#include "text.h"
+#include "support/text.h"
 
 namespace itoftool {
 namespace {

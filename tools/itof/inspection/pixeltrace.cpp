@@ -9,9 +9,9 @@
 #include "alignment/farplane.h"
 #include "alignment/idealcells.h"
 #include "alignment/targettable.h"
+#include "inspection/workingcontext.h"
 #include "integerpart.h"
 #include "pixelwords.h"
-#include "workingcontext.h"
 
 namespace itoftool {
 namespace {

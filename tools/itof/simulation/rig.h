@@ -3,7 +3,7 @@
 #define ITOF_TOOL_SIMULATION_RIG_H_
 
 #include "calibration/calibrationrecord.h"
-#include "simulation/lens.h"
+#include "camera/lens.h"
 
 namespace itoftool::simulation {
 

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "simulation/geometry.h"
+#include "camera/geometry.h"
 
 namespace itoftool::simulation {
 

@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# The preset for devices, with something in place of the NDK (androidndk/): what an integrator does, up to the copying to
+# a device; then the library passes the checks of the finished file, and the self-test runs in an emulator.
+# Usage: androidpreset.sh SOURCE
+set -euo pipefail
+source=$1
+
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cp -r "$source"/{CMakeLists.txt,CMakePresets.json,cmake,platform,scripts,system,tools,tests} "$folder"
+cp -r "$source/tests/finished/androidndk" "$folder/ndk"
+cp -r "$source/build/libc++-arm64" "$folder/ndk/sysroot"
+export ANDROID_NDK_HOME=$folder/ndk OpenCV_DIR=$folder/cmake/debian-arm64 CLI11_DIR=$folder/cli11/share/cmake/CLI11
+mkdir -p "$folder"/cli11/{include,share/cmake}
+cp -r /usr/include/CLI "$folder/cli11/include"
+cp -r /usr/share/cmake/CLI11 "$folder/cli11/share/cmake"
+cd "$folder"
+CI=true ITOF_BUILD_BENCH=OFF scripts/build android-arm64
+cmake --install build/android-arm64 --strip --prefix "$folder/device"
+
+tests/finished/library.sh device/lib/com.vantra.itof.so "$folder" "$source"
+needed=$(readelf -dW device/bin/itof | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | grep -vE '^(lib(c|m|dl)|ld-linux-.*)\.so\.[0-9]+$' || true)
+if [ -n "$needed" ]; then
+  echo "itof needs more than the C library: $needed" >&2
+  exit 1
+fi
+qemu-aarch64 device/bin/itof selftest

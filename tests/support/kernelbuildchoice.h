@@ -1,0 +1,15 @@
+// Lets a test choose the build of the kernels, in place of the library's own choice by the processor.
+#ifndef ITOF_TESTS_SUPPORT_KERNELBUILDCHOICE_H_
+#define ITOF_TESTS_SUPPORT_KERNELBUILDCHOICE_H_
+
+#include <vector>
+
+#include "alignment/kernelbuild.h"
+
+/// The build in which the library's steps run from now on.
+extern itof::KernelBuild g_kernelBuild;
+
+/// The builds that this processor can run.
+std::vector<itof::KernelBuild> KernelBuilds();
+
+#endif  // ITOF_TESTS_SUPPORT_KERNELBUILDCHOICE_H_

@@ -1,0 +1,71 @@
+// The lens model and its exact inverse. An inverse of a few fixed-point rounds would share the error of alignments that
+// make do with it, and so hide it.
+#include "camera/lens.h"
+
+#include <cmath>
+#include <stdexcept>
+#include <string>
+
+namespace itoftool::simulation {
+namespace {
+
+/// A distorted position, and its derivatives by the ideal one. The matrix of these is symmetric.
+struct Distortion {
+  Point2 position;
+  double xx, xy, yy;
+};
+
+Distortion Evaluate(const Lens& lens, Point2 ideal) {
+  const auto& [k1, k2, k3, k4, k5, k6, p1, p2] = lens;
+  const auto [x, y] = ideal;
+  const double r2 = x * x + y * y;
+  const double numerator = 1 + r2 * (k1 + r2 * (k2 + r2 * k3));
+  const double denominator = 1 + r2 * (k4 + r2 * (k5 + r2 * k6));
+  const double radial = numerator / denominator;
+  const double slope =  // of the radial factor, by r2
+      (k1 + r2 * (2 * k2 + r2 * 3 * k3) - radial * (k4 + r2 * (2 * k5 + r2 * 3 * k6))) / denominator;
+  return {.position = {x * radial + 2 * p1 * x * y + p2 * (r2 + 2 * x * x),
+                       y * radial + p1 * (r2 + 2 * y * y) + 2 * p2 * x * y},
+          .xx = radial + 2 * x * x * slope + 2 * p1 * y + 6 * p2 * x,
+          .xy = 2 * x * y * slope + 2 * p1 * x + 2 * p2 * y,
+          .yy = radial + 2 * y * y * slope + 6 * p1 * y + 2 * p2 * x};
+}
+
+}  // namespace
+
+Point2 Distort(const Lens& lens, Point2 ideal) { return Evaluate(lens, ideal).position; }
+
+std::optional<Point2> Undistort(const Lens& lens, Point2 distorted) {
+  constexpr int kMostRounds = 50;
+  constexpr double kConverged = 1e-13;
+  Point2 ideal = distorted;
+  for (int round = 0; round < kMostRounds; ++round) {
+    const auto [position, xx, xy, yy] = Evaluate(lens, ideal);
+    const double determinant = xx * yy - xy * xy;
+    if (!(determinant > 0)) return std::nullopt;
+    const double missX = distorted.x - position.x;
+    const double missY = distorted.y - position.y;
+    const double stepX = (yy * missX - xy * missY) / determinant;
+    const double stepY = (xx * missY - xy * missX) / determinant;
+    ideal = {ideal.x + stepX, ideal.y + stepY};
+    if (std::abs(stepX) <= kConverged && std::abs(stepY) <= kConverged) return ideal;
+  }
+  return std::nullopt;
+}
+
+Point2 Project(const Camera& camera, const Vec3& point) {
+  const Point2 seen = Distort(camera.lens, {point.x / point.z, point.y / point.z});
+  return {camera.fx * seen.x + camera.cx, camera.fy * seen.y + camera.cy};
+}
+
+Vec3 Ray(const Camera& camera, Point2 position) {
+  const auto ideal =
+      Undistort(camera.lens, {(position.x - camera.cx) / camera.fx, (position.y - camera.cy) / camera.fy});
+  if (!ideal) {
+    throw std::domain_error("the lens has no inverse at pixel (" + std::to_string(position.x) + ", " +
+                            std::to_string(position.y) + ")");
+  }
+  return {ideal->x, ideal->y, 1};
+}
+
+}  // namespace itoftool::simulation

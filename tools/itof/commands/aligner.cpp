@@ -1,0 +1,42 @@
+// Stands between the tool and the library: the calibration's path on the device leads to the user's file, and the
+// library's lines go where the user wants them.
+#include "commands/aligner.h"
+
+#include <orvolog/orvolog.h>
+#include <zerun/hostfiles.h>
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include "calibration/calibrationrecord.h"
+#include "itofinterface.h"
+#include "support/errors.h"
+#include "support/silence.h"
+
+namespace itoftool {
+
+Aligner::Aligner(const std::filesystem::path& calibration, float ratio, bool showLines)
+    : ratio_(ratio), showLines_(showLines) {
+  constexpr uint64_t kLibraryLines = uint64_t{1} << 18;
+  g_enableOrvxLogs = showLines ? g_enableOrvxLogs | kLibraryLines : 0;
+  ZerunHost::RedirectPath(itof::kCalibrationPath, calibration);
+  const int32_t result = itof_init();
+  ZerunHost::RedirectPath(itof::kCalibrationPath, "");
+  if (result == ITOF_OK) return;
+  // The file was in order when it was checked, so it has changed since.
+  throw DataError(calibration.string() + ": refused by itof_init with result " + std::to_string(result));
+}
+
+Aligner::~Aligner() { itof_deinit(); }
+
+double Aligner::Align(std::vector<uint16_t>& words) const {
+  std::optional<Silence> silence;
+  if (!showLines_) silence.emplace(stdout);
+  const auto start = std::chrono::steady_clock::now();
+  itof_execute_algo(words.data(), ratio_);
+  const auto end = std::chrono::steady_clock::now();
+  return std::chrono::duration<double, std::milli>(end - start).count();
+}
+
+}  // namespace itoftool

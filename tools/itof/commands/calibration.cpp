@@ -1,0 +1,77 @@
+// `itof calibration`: what a calibration file says, whether it can be right, and in what two of them differ.
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "check/findings.h"
+#include "commands/commands.h"
+#include "files/calibrationfile.h"
+#include "files/files.h"
+#include "inspection/description.h"
+#include "inspection/difference.h"
+#include "support/errors.h"
+#include "support/text.h"
+
+namespace itoftool {
+namespace {
+
+void Print(const std::string& text) { std::fputs(text.c_str(), stdout); }
+
+void Show(const std::string& path, bool json) {
+  const auto description = DescribeCalibration(ReadCalibrationFile(path).record);
+  Print(json ? description.dump(2) + "\n" : DescriptionText(description));
+}
+
+void Check(const std::string& path) {
+  const std::vector<Finding> findings = CheckCalibration(ReadFile(path));
+  for (const Finding& finding : findings) {
+    const char* severity = finding.severity == Severity::kError ? "error" : "warning";
+    Print(Format("%s [%s]\n", severity, finding.name.c_str()) + Wrap(finding.text, 2) +
+          Wrap("What to do: " + finding.advice, 2) + "\n");
+  }
+  const std::string summary = path + ": " + CountText(findings);
+  if (CountErrors(findings) > 0) throw DataError(summary);
+  Print(summary + "\n");
+}
+
+void Diff(const std::string& a, const std::string& b) {
+  Print(DifferenceText(ReadCalibrationFile(a).record, ReadCalibrationFile(b).record));
+}
+
+struct Paths {
+  std::string a, b;
+  bool json = false;
+};
+
+}  // namespace
+
+void AddCalibrationCommands(CLI::App& app) {
+  CLI::App* group = app.add_subcommand("calibration", "Shows, checks, compares and converts calibration files");
+  group->require_subcommand(0, 1);  // as for the commands themselves
+  group->callback([group] { RequireSubcommand(*group); });
+  const auto paths = std::make_shared<Paths>();
+  const auto addFile = [](CLI::App* command, const char* name, std::string& path) {
+    command->add_option(name, path, "Calibration file of 228 bytes")->required()->type_name("");
+  };
+
+  CLI::App* show = group->add_subcommand("show", "Says what is in a calibration file, and where pixels land with it");
+  addFile(show, "FILE", paths->a);
+  show->add_flag("--json", paths->json, "The same as JSON");
+  show->callback([paths] { Show(paths->a, paths->json); });
+
+  CLI::App* check = group->add_subcommand("check", "Looks for mistakes in a calibration file; exit code 1 on an error");
+  addFile(check, "FILE", paths->a);
+  check->callback([paths] { Check(paths->a); });
+
+  CLI::App* diff =
+      group->add_subcommand("diff", "Says which fields of two calibration files differ, and what that does");
+  addFile(diff, "A", paths->a);
+  addFile(diff, "B", paths->b);
+  diff->callback([paths] { Diff(paths->a, paths->b); });
+
+  AddImportCommand(*group);
+  AddExportCommand(*group);
+}
+
+}  // namespace itoftool

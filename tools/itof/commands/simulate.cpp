@@ -1,0 +1,95 @@
+// Makes frames to try the alignment on, without any camera: a calibration, depth words, the aux camera's pictures, and
+// the depths that an alignment should give.
+#include <charconv>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <opencv2/core.hpp>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "commands/commands.h"
+#include "files/files.h"
+#include "files/pictures.h"
+#include "simulation/simulation.h"
+
+namespace itoftool {
+namespace {
+
+struct SimulateOptions {
+  std::filesystem::path output;
+  int frames = 3;
+  uint64_t seed = 1;
+};
+
+/// A PNG file of a 640 x 360 picture; `type` is OpenCV's for one pixel.
+std::vector<uint8_t> Png(const void* pixels, int type) {
+  return EncodePng(cv::Mat(simulation::kHeight, simulation::kWidth, type, const_cast<void*>(pixels)));
+}
+
+std::string FrameName(int frame) {
+  char name[32];
+  std::snprintf(name, sizeof name, "frame_%03d", frame);
+  return name;
+}
+
+/// The seed of a frame's noise. Seeds and frames that are neighbours must not give related numbers.
+uint64_t FrameSeed(uint64_t seed, int frame) { return seed * 1'000'003 + static_cast<uint64_t>(frame); }
+
+/// Says what is wrong with a text as a 64-bit seed; empty if nothing is. The option parser by itself wraps numbers
+/// below 0, and cuts those that are too large.
+std::string WholeNumberFault(const std::string& text) {
+  uint64_t value = 0;
+  const char* end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, value);
+  if (error == std::errc() && rest == end) return {};
+  return "Value " + text + " is not a whole number from 0 to 18446744073709551615";
+}
+
+void Simulate(const SimulateOptions& options) {
+  const simulation::Rig rig = simulation::GentleRig();
+  StagedOutput output(options.output);
+  output.Write("calibration.bin", FileBytes<itof::CalibrationRecord>({&rig.record, 1}));
+  for (int frame = 0; frame < options.frames; ++frame) {
+    const simulation::Scene scene = simulation::RoomScene(frame);
+    const auto words = simulation::DepthWords(rig, scene, FrameSeed(options.seed, frame));
+    const auto picture = simulation::AuxPicture(rig, scene);
+    const auto truth = simulation::Truth(rig, scene);
+    const std::string name = FrameName(frame);
+    output.Write(name + ".words.raw", FileBytes<uint16_t>(words));
+    output.Write(name + ".aux.png", Png(picture.data(), CV_8UC3));
+    output.Write(name + ".truth.png", Png(truth.data(), CV_16UC1));
+  }
+  output.Commit();
+
+  const auto path = [&](const std::string& name) { return (options.output / name).string(); };
+  const std::string first = path(FrameName(0));
+  std::printf("%d frame%s in %s: calibration.bin, and for each frame\n", options.frames, options.frames == 1 ? "" : "s",
+              options.output.c_str());
+  std::printf("  NAME.words.raw  depth words of the ToF camera, to be aligned\n");
+  std::printf("  NAME.aux.png    picture of the aux camera\n");
+  std::printf("  NAME.truth.png  depth in millimetres that belongs at each aligned cell\n");
+  std::printf("Align the first one:\n  itof align --calibration %s --aux %s.aux.png %s.words.raw\n",
+              path("calibration.bin").c_str(), first.c_str(), first.c_str());
+}
+
+}  // namespace
+
+void AddSimulateCommand(CLI::App& app) {
+  const auto options = std::make_shared<SimulateOptions>();
+  CLI::App* command = app.add_subcommand("simulate", "Makes frames of a scene, with the truth to compare with");
+  command->add_option("--output", options->output, "Folder for the files; made where it is missing")
+      ->required()
+      ->type_name("DIR");
+  command->add_option("--frames", options->frames, "Number of frames, 1 to 1000")
+      ->check(CLI::Range(1, 1000))
+      ->capture_default_str();
+  command->add_option("--seed", options->seed, "Seed of the ToF camera's noise")
+      ->check(WholeNumberFault)
+      ->capture_default_str();
+  command->callback([options] { Simulate(*options); });
+}
+
+}  // namespace itoftool

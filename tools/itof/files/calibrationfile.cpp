@@ -1,0 +1,55 @@
+// The library refuses a calibration with a number and no word. This finds out in advance what to tell the user, with
+// the check that the library itself uses.
+#include "files/calibrationfile.h"
+
+#include <openssl/evp.h>
+
+#include <cstdio>
+#include <span>
+#include <vector>
+
+#include "calibration/calibrationcheck.h"
+#include "files/files.h"
+#include "support/errors.h"
+
+namespace itoftool {
+namespace {
+
+std::string Sha256(std::span<const uint8_t> bytes) {
+  uint8_t digest[EVP_MAX_MD_SIZE];
+  unsigned int length = 0;
+  if (EVP_Digest(bytes.data(), bytes.size(), digest, &length, EVP_sha256(), nullptr) != 1) {
+    throw DataError("SHA-256 is not to be had from OpenSSL");
+  }
+  std::string text;
+  for (const uint8_t byte : std::span(digest, length)) {
+    constexpr char kDigits[] = "0123456789abcdef";
+    text += {kDigits[byte >> 4], kDigits[byte & 15]};
+  }
+  return text;
+}
+
+}  // namespace
+
+CalibrationFile ReadCalibrationFile(const std::filesystem::path& path) {
+  // The library reads the file again, which a pipe would not stand.
+  std::error_code missing;
+  if (const auto status = std::filesystem::status(path, missing); exists(status) && !is_regular_file(status)) {
+    throw DataError(path.string() + ": is no regular file");
+  }
+  const std::vector<uint8_t> bytes = ReadFile(path);
+  if (bytes.size() < itof::kCalibrationRecordSize) {
+    throw DataError(path.string() + ": holds " + std::to_string(bytes.size()) + " bytes; a calibration has " +
+                    std::to_string(itof::kCalibrationRecordSize));
+  }
+  const itof::CalibrationRecord record = itof::DecodeCalibrationRecord(bytes.data());
+  if (const auto fault = itof::FindCalibrationFault(record)) {
+    char value[32];
+    std::snprintf(value, sizeof value, "%.9g", static_cast<double>(fault->value));
+    throw DataError(path.string() + ": " + fault->field + " at byte " + std::to_string(fault->offset) + ": " + value +
+                    " " + fault->cause);
+  }
+  return {path, record, Sha256(std::span(bytes).first(itof::kCalibrationRecordSize))};
+}
+
+}  // namespace itoftool

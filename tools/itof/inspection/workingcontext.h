@@ -1,0 +1,15 @@
+// The alignment's own state for a calibration, for commands that say what it will do.
+#ifndef ITOF_TOOL_INSPECTION_WORKINGCONTEXT_H_
+#define ITOF_TOOL_INSPECTION_WORKINGCONTEXT_H_
+
+#include "alignment/alignmentcontext.h"
+#include "calibration/calibrationrecord.h"
+
+namespace itoftool {
+
+/// The context that itof_init builds from `record`: camera matrices for 640 x 360, lens handling on, no tables yet.
+itof::AlignmentContext MakeWorkingContext(const itof::CalibrationRecord& record);
+
+}  // namespace itoftool
+
+#endif  // ITOF_TOOL_INSPECTION_WORKINGCONTEXT_H_

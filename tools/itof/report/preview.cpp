@@ -1,0 +1,138 @@
+// Draws the preview. Near is warm and far is cold; what has no depth is hatched grey, which no depth is.
+#include "report/preview.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <opencv2/imgproc.hpp>
+#include <vector>
+
+#include "report/drawing.h"
+
+namespace itoftool {
+namespace {
+
+constexpr int kLegendHeight = 74;
+const cv::Scalar kWarning(60, 190, 255);
+
+/// Maps depth codes between two limits to colours; codes beyond a limit get its colour.
+class ColourScale {
+ public:
+  /// Limits that leave out 1 % of the pixels with depth at either end, so that stray pixels do not flatten the rest.
+  explicit ColourScale(const cv::Mat& codes) {
+    std::vector<uint16_t> sorted;
+    std::copy_if(codes.begin<uint16_t>(), codes.end<uint16_t>(), std::back_inserter(sorted),
+                 [](uint16_t code) { return code != 0; });
+    std::ranges::sort(sorted);
+    if (!sorted.empty()) {
+      near_ = sorted[sorted.size() / 100];
+      far_ = sorted[sorted.size() - 1 - sorted.size() / 100];
+    }
+    far_ = std::max(far_, near_ + 16);  // one step of the output
+    cv::Mat ramp(1, kShades, CV_8U);
+    // Without both ends of the map, which are nearly black.
+    for (int i = 0; i < kShades; ++i) ramp.at<uint8_t>(i) = static_cast<uint8_t>(240 - i * 220 / kShades);
+    cv::applyColorMap(ramp, shades_, cv::COLORMAP_TURBO);
+  }
+
+  int Near() const { return near_; }
+  int Far() const { return far_; }
+  cv::Vec3b operator()(int code) const {
+    const int shade = (code - near_) * kShades / (far_ - near_);
+    return shades_.at<cv::Vec3b>(std::clamp(shade, 0, kShades - 1));
+  }
+
+ private:
+  // Broad bands, since sensor noise that changes the colour of every pixel would swell the file.
+  static constexpr int kShades = 20;
+  int near_ = 0;
+  int far_ = 0;
+  cv::Mat shades_;
+};
+
+/// `background` with the colours of `codes` where there is depth, `opacity` of them.
+cv::Mat Colourise(const cv::Mat& codes, const ColourScale& scale, const cv::Mat& background, float opacity) {
+  cv::Mat picture = background.clone();
+  for (int y = 0; y < codes.rows; ++y) {
+    for (int x = 0; x < codes.cols; ++x) {
+      const uint16_t code = codes.at<uint16_t>(y, x);
+      if (code == 0) continue;
+      auto& pixel = picture.at<cv::Vec3b>(y, x);
+      pixel = cv::Vec3f(scale(code)) * opacity + cv::Vec3f(pixel) * (1 - opacity);
+    }
+  }
+  return picture;
+}
+
+/// Rounds the colours to fewer levels, which the eye hardly sees and which halves the size of the file.
+cv::Mat Coarsen(const cv::Mat& picture) {
+  constexpr int kLevels = 24;
+  cv::Mat coarse(1, 256, CV_8U);
+  for (int i = 0; i < 256; ++i) {
+    coarse.at<uint8_t>(i) = static_cast<uint8_t>((i * (kLevels - 1) + 127) / 255 * 255 / (kLevels - 1));
+  }
+  cv::Mat result;
+  cv::LUT(picture, coarse, result);
+  return result;
+}
+
+/// The bar of colours from `left` to `right`, with round numbers under it.
+void DrawColourBar(cv::Mat& sheet, const ColourScale& scale, int left, int right, int top) {
+  constexpr int kBarHeight = 14;
+  const int range = scale.Far() - scale.Near();
+  const int width = right - left;
+  for (int x = 0; x < width; ++x) {
+    const cv::Vec3b colour = scale(scale.Near() + x * range / (width - 1));
+    cv::line(sheet, {left + x, top}, {left + x, top + kBarHeight - 1}, cv::Scalar(colour));
+  }
+  const double power = std::pow(10, std::floor(std::log10(std::max(range / 8.0, 1.0))));
+  int step = static_cast<int>(power);
+  for (const int factor : {2, 5, 10}) {
+    if (range / step > 8) step = factor * static_cast<int>(power);
+  }
+  for (int code = (scale.Near() + step - 1) / step * step; code <= scale.Far(); code += step) {
+    const int x = left + (code - scale.Near()) * (width - 1) / range;
+    const std::string text = std::to_string(code);
+    cv::line(sheet, {x, top + kBarHeight}, {x, top + kBarHeight + 4}, kInk);
+    DrawText(sheet, text, x - TextWidth(text) / 2, top + kBarHeight + 15);
+  }
+}
+
+}  // namespace
+
+cv::Mat DrawPreview(const cv::Mat& input, const cv::Mat& aligned, const cv::Mat& aux, const std::string& caption) {
+  const ColourScale scale(input);
+  const cv::Mat hatch = Hatch(input.cols, input.rows);
+  const int panelRows = aux.empty() ? 1 : 2;
+  const int width = 2 * input.cols + 3 * kMargin;
+  const int legendTop = panelRows * (input.rows + kTitleHeight) + kMargin;
+  cv::Mat sheet(legendTop + kLegendHeight, width, CV_8UC3, kPaper);
+
+  DrawPanel(sheet, 0, 0, "Input depth, ToF view", Colourise(input, scale, hatch, 1));
+  DrawPanel(sheet, 1, 0, "Aligned depth, aux view", Colourise(aligned, scale, hatch, 1));
+  if (!aux.empty()) {
+    DrawPanel(sheet, 0, 1, "Aux picture", aux);
+    DrawPanel(sheet, 1, 1, "Aligned depth over the aux picture", Colourise(aligned, scale, aux, 0.6F));
+  }
+
+  constexpr int kBarTop = 2;
+  const int textMiddle = legendTop + kBarTop + 7;
+  int x = DrawText(sheet, "depth, codes", kMargin, textMiddle) + kMargin;
+  const std::string noDepth = "no depth";
+  const int swatchLeft = width - kMargin - TextWidth(noDepth) - 50;
+  DrawColourBar(sheet, scale, x + kMargin, swatchLeft - 3 * kMargin, legendTop + kBarTop);
+  Hatch(40, 14).copyTo(sheet(cv::Rect(swatchLeft, legendTop + kBarTop, 40, 14)));
+  DrawText(sheet, noDepth, swatchLeft + 50, textMiddle);
+
+  const int captionMiddle = legendTop + kLegendHeight - 18;
+  std::string warning;
+  double largest = 0;
+  cv::minMaxLoc(input, nullptr, &largest);
+  if (largest >= 4096) warning = "input exceeds 4095: aligned depth wraps at 4096";
+  const int warningLeft = width - kMargin - TextWidth(warning);
+  DrawText(sheet, FitText(caption, warningLeft - 3 * kMargin), kMargin, captionMiddle);
+  DrawText(sheet, warning, warningLeft, captionMiddle, kWarning);
+  return Coarsen(sheet);
+}
+
+}  // namespace itoftool

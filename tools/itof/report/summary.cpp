@@ -1,0 +1,88 @@
+// Figures of a run. Times are of the library's calls alone, without files and pictures.
+#include "report/summary.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <numeric>
+
+#include "support/quantile.h"
+
+namespace itoftool {
+
+std::string Percent(double share) {
+  char text[16];
+  std::snprintf(text, sizeof text, "%.1f %%", 100 * share);
+  return text;
+}
+
+Progress::Progress(size_t total, bool off) : total_(total), visible_(!off && isatty(STDERR_FILENO) == 1) {}
+
+Progress::~Progress() {
+  if (visible_) std::fputs("\r\033[K", stderr);
+}
+
+void Progress::Show(size_t done) const {
+  if (!visible_) return;
+  constexpr size_t kWidth = 40;
+  const size_t filled = kWidth * done / total_;
+  const std::string bar = std::string(filled, '#') + std::string(kWidth - filled, '.');
+  std::fprintf(stderr, "\r[%s] %zu of %zu frames", bar.c_str(), done, total_);
+  std::fflush(stderr);
+}
+
+namespace {
+
+/// The fates of all frames together, if they were followed.
+void PrintFates(const std::vector<FrameReport>& frames) {
+  if (!frames.front().fates) return;
+  FateCounts sum;
+  for (const FrameReport& frame : frames) {
+    for (size_t i = 0; i < sum.byFate.size(); ++i) sum.byFate[i] += frame.fates->byFate[i];
+    sum.overwrittenWithoutDepth += frame.fates->overwrittenWithoutDepth;
+  }
+  const size_t total = std::accumulate(sum.byFate.begin(), sum.byFate.end(), size_t{0});
+  std::printf("depth pixels                %zu, of which\n", total);
+  for (size_t i = 0; i < sum.byFate.size(); ++i) {
+    const double share = static_cast<double>(sum.byFate[i]) / static_cast<double>(total);
+    std::printf("  %10zu  %7s  %s", sum.byFate[i], Percent(share).c_str(), kFateNames[i].text);
+    const bool overwritten = static_cast<Fate>(i) == Fate::kOverwritten;
+    if (overwritten) std::printf(", %zu of them by one without depth", sum.overwrittenWithoutDepth);
+    std::printf("\n");
+  }
+}
+
+}  // namespace
+
+void PrintSummary(const std::vector<FrameReport>& frames, const std::filesystem::path& directory) {
+  std::vector<double> milliseconds;
+  double reached = 0;
+  size_t aboveRange = 0;
+  for (const FrameReport& frame : frames) {
+    milliseconds.push_back(frame.milliseconds);
+    reached += frame.reached;
+    aboveRange += frame.aboveRange;
+  }
+  // The first frame also builds the run's tables, and would stand for the slowest percent of any short run.
+  const double first = milliseconds.front();
+  milliseconds.erase(milliseconds.begin());
+  std::ranges::sort(milliseconds);
+
+  std::printf("frames                      %zu\n", frames.size());
+  if (!milliseconds.empty()) {
+    std::printf("milliseconds per frame      %.2f median, %.2f 99th percentile\n", Quantile(milliseconds, 0.5),
+                Quantile(milliseconds, 0.99));
+  }
+  std::printf("first frame, with tables    %.2f milliseconds\n", first);
+  std::printf("aux pixels reached          %s\n", Percent(reached / static_cast<double>(frames.size())).c_str());
+  std::printf("pixels above 8191           %zu%s\n", aboveRange,
+              aboveRange > 0 ? ", which count as without depth:" : "");
+  for (const FrameReport& frame : frames) {
+    if (frame.aboveRange > 0) std::printf("  %s: %zu\n", frame.input.c_str(), frame.aboveRange);
+  }
+  PrintFates(frames);
+  std::printf("written to                  %s\n", directory.c_str());
+}
+
+}  // namespace itoftool

@@ -1,0 +1,71 @@
+// The spellings of OpenCV's own samples and of programs around them, in one table.
+#include "stereo/keys.h"
+
+#include <cstddef>
+
+#include "support/text.h"
+
+namespace itoftool {
+
+const Spellings kSpellings[6] = {
+    {QuantityKind::kSize,
+     "image size",
+     {"imageSize#", "image_size#", "image_size_#", "cameraResolution#", "imageWidth#+imageHeight#",
+      "image_width#+image_height#", "image_width_#+image_height_#", "image_Width#+image_Height#",
+      "image_Width_#+image_Height_#", "@.width+@.height",
+      // Of both cameras.
+      "imageSize", "image_size", "cameraResolution", "imageWidth+imageHeight", "image_width+image_height",
+      "image_Width+image_Height"}},
+    {QuantityKind::kMatrix,
+     "camera matrix",
+     {"M#", "K#", "cameraMatrix#", "camera_matrix#", "camera_matrix_#", "@.fx+@.fy+@.cx+@.cy"}},
+    {QuantityKind::kDistortion,
+     "distortion",
+     {"D#", "distCoeffs#", "dist_coeffs#", "dist_coeffs_#", "distortion_coefficients#", "distortion_coefficients_#",
+      "@.k1+@.k2+@.p1+@.p2+@.k3+@.k4+@.k5+@.k6"}},
+    {QuantityKind::kRotation, "rotation", {"R", "R12", "rotation"}},
+    {QuantityKind::kTranslation, "translation", {"T", "T12", kMillimetreKey}},
+    {QuantityKind::kRatio, "aux_fl_ratio", {"aux_fl_ratio"}},
+};
+
+std::string KeyOf(const std::string& pattern, int camera) {
+  std::string key;
+  for (const char c : pattern) {
+    if (c == '#') {
+      key += camera == 1 ? "1" : "2";
+    } else if (c == '@') {
+      key += camera == 1 ? "depth" : "color";
+    } else {
+      key += c;
+    }
+  }
+  return key;
+}
+
+std::vector<std::string> SplitKeys(const std::string& keys) {
+  std::vector<std::string> parts;
+  for (size_t start = 0, end = 0; end != std::string::npos; start = end + 1) {
+    end = keys.find('+', start);
+    parts.push_back(keys.substr(start, end == std::string::npos ? end : end - start));
+  }
+  return parts;
+}
+
+std::string StereoKeysHelp() {
+  std::string text = Wrap(
+      "Accepted keys (# is 1 for the ToF camera and 2 for the aux camera, or nothing for sizes of both; @ is depth or "
+      "color; keys joined by + hold a number each):",
+      0);
+  for (const Spellings& spellings : kSpellings) {
+    text += std::string("  ") + spellings.name + "\n" + Wrap(Joined({spellings.keys.begin(), spellings.keys.end()}), 4);
+  }
+  return text +
+         Wrap(
+             "Matrices are OpenCV's, or lists of rows or of all numbers; a rotation may also be a vector of 3, in "
+             "radians. Distortion has 4, 5 or 8 coefficients in OpenCV's order, k1 k2 p1 p2 k3 k4 k5 k6 (not those of "
+             "fisheye), or 12 or 14 if the rest is 0. A point X of the ToF camera lies at rotation * X + translation "
+             "in the aux camera. translation_mm is in mm.",
+             0);
+}
+
+}  // namespace itoftool

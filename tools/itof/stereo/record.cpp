@@ -1,0 +1,182 @@
+// The record has the fields of a stereo calibration, but in single precision, for a ToF image 640 pixels wide, and with
+// eight coefficients a lens.
+#include "stereo/record.h"
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+#include <cstddef>
+#include <cstring>
+#include <opencv2/calib3d.hpp>
+#include <opencv2/core.hpp>
+#include <vector>
+
+#include "calibration/calibrationcheck.h"
+#include "camera/imagepart.h"
+#include "camera/lens.h"
+#include "pixelwords.h"
+#include "support/errors.h"
+#include "support/text.h"
+
+namespace itoftool {
+namespace {
+
+/// Where a quantity's numbers are in the record, as floats one after the other.
+struct Slot {
+  Quantity& quantity;
+  size_t offset;  // in bytes
+  size_t count;
+};
+
+std::vector<Slot> Slots(StereoPair& pair) {
+  using itof::CalibrationRecord;
+  return {{pair.tof.size, offsetof(CalibrationRecord, tofCalibWidth), 2},
+          {pair.tof.matrix, offsetof(CalibrationRecord, tofIntrinsics), 9},
+          {pair.rotation, offsetof(CalibrationRecord, rotation), 9},
+          {pair.translation, offsetof(CalibrationRecord, translation), 3},
+          {pair.aux.size, offsetof(CalibrationRecord, auxCalibWidth), 2},
+          {pair.aux.matrix, offsetof(CalibrationRecord, auxIntrinsics), 9},
+          {pair.tof.distortion, offsetof(CalibrationRecord, tofDistortion), kFileCoefficients},
+          {pair.aux.distortion, offsetof(CalibrationRecord, auxDistortion), kFileCoefficients},
+          {pair.auxFlRatio, offsetof(CalibrationRecord, aux_fl_ratio), 1}};
+}
+
+std::string Text(const Window& window) {
+  return Format("%d,%d,%d,%d", window.x, window.y, window.width, window.height);
+}
+
+/// The window of 16:9 inside an image of `width` x `height` whose edges are nearest to those of `wanted`, by the sum of
+/// the squares. Of no size if the image is too small for any.
+Window NearestWindow(const Window& wanted, int width, int height) {
+  struct Place {
+    double start, miss;
+  };
+  // Along one axis, where `length` pixels are nearest to `wantedLength` from `start` on, and by what they miss them.
+  const auto place = [](double start, double wantedLength, double length, double imageLength) -> Place {
+    const double placed = std::clamp(std::floor(start + (wantedLength - length) / 2), 0.0, imageLength - length);
+    return {placed, std::pow(placed - start, 2) + std::pow(placed + length - start - wantedLength, 2)};
+  };
+  Window nearest{};
+  double least = 0;
+  for (int n = 1; n <= std::min(width / 16, height / 9); ++n) {
+    const auto [x, missX] = place(wanted.x, wanted.width, 16 * n, width);
+    const auto [y, missY] = place(wanted.y, wanted.height, 9 * n, height);
+    if (nearest.width == 0 || missX + missY < least) {
+      nearest = {static_cast<int>(x), static_cast<int>(y), 16 * n, 9 * n};
+      least = missX + missY;
+    }
+  }
+  return nearest;
+}
+
+/// The largest distance in pixels, over the camera's image, between where all of its coefficients and where the first
+/// eight put a ray; nothing if the latter have no inverse anywhere in the image.
+std::optional<double> TailPixels(const StereoCamera& camera) {
+  constexpr int kSteps = 32;
+  const std::vector<double>& k = camera.distortion.values;
+  const simulation::Lens lens{
+      .k1 = k[0], .k2 = k[1], .k3 = k[4], .k4 = k[5], .k5 = k[6], .k6 = k[7], .p1 = k[2], .p2 = k[3]};
+  const std::vector<double>& m = camera.matrix.values;
+  std::vector<cv::Point3d> rays;
+  for (int row = 0; row <= kSteps; ++row) {
+    for (int column = 0; column <= kSteps; ++column) {
+      const double x = (camera.size.values[0] - 1) * column / kSteps;
+      const double y = (camera.size.values[1] - 1) * row / kSteps;
+      const auto ideal = simulation::Undistort(lens, {(x - m[2]) / m[0], (y - m[5]) / m[4]});
+      if (ideal) rays.emplace_back(ideal->x, ideal->y, 1);
+    }
+  }
+  if (rays.empty()) return std::nullopt;
+  const cv::Mat matrix = cv::Mat(m, true).reshape(1, 3);
+  const cv::Vec3d none;
+  std::vector<cv::Point2d> all, first;
+  cv::projectPoints(rays, none, none, matrix, k, all);
+  cv::projectPoints(rays, none, none, matrix, std::vector<double>(k.begin(), k.begin() + kFileCoefficients), first);
+  double largest = 0;
+  for (size_t i = 0; i < rays.size(); ++i) largest = std::max(largest, cv::norm(all[i] - first[i]));
+  return largest;
+}
+
+/// Drops the coefficients that the record has no field for.
+void CutTail(StereoCamera& camera) {
+  std::vector<double>& values = camera.distortion.values;
+  if (std::any_of(values.begin() + kFileCoefficients, values.end(), [](double value) { return value != 0; })) {
+    const std::optional<double> most = TailPixels(camera);
+    Fail(camera.distortion, "has " + std::to_string(values.size()) +
+                                " coefficients, and those after the eighth are not 0; without them pixels would be " +
+                                (most ? "up to " + Format("%.3g", *most) + " pixels off" : "off by an unknown amount") +
+                                ". Calibrate with at most 8");
+  }
+  values.resize(kFileCoefficients);
+}
+
+/// Makes the part `window` of the camera's image its whole image, at 640 x 360.
+void ApplyTofWindow(StereoCamera& tof, const std::optional<Window>& window) {
+  const int width = static_cast<int>(tof.size.values[0]);
+  const int height = static_cast<int>(tof.size.values[1]);
+  const std::string image = std::to_string(width) + " x " + std::to_string(height) + " pixels";
+  const auto fitting = [&](const Window& wanted) {
+    const Window nearest = NearestWindow(wanted, width, height);
+    return nearest.width == 0 ? "there is none in " + image : Text(nearest);
+  };
+  if (!window) {
+    if (width == itof::kFrameWidth) return;
+    Fail(tof.size, "the ToF image has " + image +
+                       ", and must be 640 wide; choose what becomes 640 x 360 with --tof-window, the largest: " +
+                       fitting({0, 0, width, height}));
+  }
+  const auto [x, y, w, h] = *window;
+  const bool isInside = w > 0 && h > 0 && x >= 0 && y >= 0 && w <= width - x && h <= height - y;
+  if (!isInside || int64_t{w} * 9 != int64_t{h} * 16) {
+    throw UsageError("--tof-window: " + Text(*window) + (isInside ? " is not of 16:9" : " is not inside " + image) +
+                     "; the nearest window that fits: " + fitting(*window));
+  }
+  const ImagePart part{static_cast<double>(x), static_cast<double>(y), static_cast<double>(w), static_cast<double>(h)};
+  TakePart(tof.matrix.values.data(), part, itof::kFrameWidth, itof::kFrameHeight);
+  tof.size.values = {itof::kFrameWidth, itof::kFrameHeight};
+}
+
+}  // namespace
+
+itof::CalibrationRecord RecordOf(StereoPair pair, const std::optional<Window>& window) {
+  CutTail(pair.tof);
+  CutTail(pair.aux);
+  ApplyTofWindow(pair.tof, window);
+  if (pair.auxFlRatio.values.empty()) pair.auxFlRatio.values = {1};
+  itof::CalibrationRecord record{};
+  auto* bytes = reinterpret_cast<std::byte*>(&record);
+  const std::vector<Slot> slots = Slots(pair);
+  for (const Slot& slot : slots) {
+    for (size_t i = 0; i < slot.count; ++i) {
+      const double value = slot.quantity.values[i];
+      if (std::abs(value) > static_cast<double>(FLT_MAX)) {
+        Fail(slot.quantity, Format("%.9g", value) + " does not fit single precision");
+      }
+      const auto single = static_cast<float>(value);
+      std::memcpy(bytes + slot.offset + i * sizeof single, &single, sizeof single);
+    }
+  }
+  if (const auto fault = itof::FindCalibrationFault(record)) {
+    const auto slot = std::ranges::find_if(slots, [&](const Slot& candidate) {
+      return fault->offset < candidate.offset + candidate.count * sizeof(float) && fault->offset >= candidate.offset;
+    });
+    Fail(slot->quantity, fault->field + ": " + Format("%.9g", static_cast<double>(fault->value)) + " " + fault->cause);
+  }
+  return record;
+}
+
+StereoPair PairOf(const itof::CalibrationRecord& record) {
+  StereoPair pair;
+  const auto* bytes = reinterpret_cast<const std::byte*>(&record);
+  for (const Slot& slot : Slots(pair)) {
+    for (size_t i = 0; i < slot.count; ++i) {
+      float single;
+      std::memcpy(&single, bytes + slot.offset + i * sizeof single, sizeof single);
+      slot.quantity.values.push_back(static_cast<double>(single));
+    }
+  }
+  if (!std::isfinite(pair.auxFlRatio.values[0])) pair.auxFlRatio.values.clear();
+  return pair;
+}
+
+}  // namespace itoftool

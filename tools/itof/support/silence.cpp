@@ -1,0 +1,27 @@
+// The aligner prints a line per frame and the picture decoders print their own complaints. Neither can be told not to,
+// so the descriptor below them points elsewhere for the time of the call.
+#include "support/silence.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace itoftool {
+
+Silence::Silence(FILE* stream) : stream_(stream), saved_(-1) {
+  // What is buffered belongs to the time before.
+  std::fflush(stream_);
+  const int null = open("/dev/null", O_WRONLY | O_CLOEXEC);
+  if (null < 0) return;
+  saved_ = fcntl(fileno(stream_), F_DUPFD_CLOEXEC, 0);
+  if (saved_ >= 0) dup2(null, fileno(stream_));
+  close(null);
+}
+
+Silence::~Silence() {
+  if (saved_ < 0) return;
+  std::fflush(stream_);
+  dup2(saved_, fileno(stream_));
+  close(saved_);
+}
+
+}  // namespace itoftool
