@@ -1,7 +1,8 @@
-// The closures of all workloads and the buffers they share.
+// Builds the workloads and the buffers that they share.
 #include "workloads.h"
 
 #include <benchmark/benchmark.h>
+#include <zerun/hostfiles.h>
 
 #include <algorithm>
 #include <chrono>
@@ -21,14 +22,16 @@
 #include "alignment/approximatealignment.h"
 #include "alignment/distortlut.h"
 #include "alignment/farplane.h"
+#include "alignment/grid.h"
 #include "alignment/idealcells.h"
 #include "alignment/kernelbuild.h"
 #include "alignment/targettable.h"
 #include "calibration/alignmentparams.h"
+#include "calibration/calibrationrecord.h"
 #include "itofinterface.h"
 #include "plain/plainframe.h"
 #include "plain/plainsteps.h"
-#include "simulatedcalibration.h"
+#include "simulation/rig.h"
 #include "simulation/simulation.h"
 
 namespace itofbench {
@@ -44,7 +47,7 @@ Words NoiseWords() {
   return words;
 }
 
-/// `words` with depth 0, and the confidence as it was, at one half of the pixels.
+/// Sets the depth code to 0 in half of the words, chosen at random, and keeps their confidence.
 Words HalfEmpty(Words words) {
   std::vector<size_t> order(words.size());
   std::iota(order.begin(), order.end(), size_t{0});
@@ -53,24 +56,22 @@ Words HalfEmpty(Words words) {
   return words;
 }
 
-/// The library and a context beside it, both with one camera pair and their maps for a ratio of 1.
+/// The library and a separate context, both with the same camera pair and with per-run tables for a ratio of 1.
 struct Stage {
   Stage();
 
-  SimulatedCalibration calibration;
+  const itof::CalibrationRecord record = itoftool::simulation::GentleRig().record;
+  const ZerunHost::ServedFile calibration{itof::kCalibrationPath,
+                                          {reinterpret_cast<const char*>(&record), sizeof record}};
   AlignmentContext context{};
-  Words frame = Words(kPixels);  // aligned in place, so put back before each call
+  Words frame = Words(kPixels);  // aligned in place, so restored before each call
   Words workingBuffer = Words(kPixels);
 };
 
 Stage::Stage() {
-  if (itof_init() != ITOF_OK) throw std::runtime_error("itof_init refuses the calibration");
+  if (itof_init() != ITOF_OK) throw std::runtime_error("itof_init refused the calibration");
 
-  itof::AlignmentParams params{};
-  params.tofWidth = params.auxWidth = ITOF_FRAME_WIDTH;
-  params.tofHeight = params.auxHeight = ITOF_FRAME_HEIGHT;
-  itof::FillAlignmentParams(calibration.record, params);
-  itof::InitAlignmentContext(context, params, 1);
+  itof::InitAlignmentContext(context, itof::WorkingParams(record), 1);
   plain::AlignmentFarPlane(context, context.farPlaneMapX.get(), context.farPlaneMapY.get(), 1.0, 1.0);
   plain::DistortLUT(context, context.distortMapX.get(), context.distortMapY.get());
 }
@@ -78,7 +79,7 @@ Stage::Stage() {
 using StagePointer = std::shared_ptr<Stage>;  // the closures own the stage
 using Frames = std::vector<std::pair<std::string, Words>>;
 
-/// The steps as one of their two authors wrote them.
+/// One implementation of the steps: the library's or the plain form.
 struct Steps {
   std::string prefix;  // of the workloads' names
   decltype(itof::RunApproximateAlignment)* align;
@@ -103,7 +104,7 @@ void AddSteps(std::vector<Workload>& all, const StagePointer& stage, const Frame
   all.push_back({steps.prefix + "DistortLUT", distortLut});
 }
 
-/// The two parts of RunApproximateAlignment before its scatter, each by itself.
+/// Adds the two parts of RunApproximateAlignment that precede its scatter.
 void AddParts(std::vector<Workload>& all, const StagePointer& stage, const Words& words) {
   AlignmentContext& c = stage->context;
   all.push_back({"FillTargetTable", [stage, &c] {
@@ -146,7 +147,7 @@ void AddCalls(std::vector<Workload>& all, const StagePointer& stage, const Frame
   all.push_back({"itof_init", [stage] { itof_init(); }});
 }
 
-void AddYardsticks(std::vector<Workload>& all, const StagePointer& stage, const Words& words) {
+void AddReferences(std::vector<Workload>& all, const StagePointer& stage, const Words& words) {
   const cv::Size size(ITOF_FRAME_WIDTH, ITOF_FRAME_HEIGHT);
   const cv::Mat source = cv::Mat(words).reshape(1, size.height).clone();
   const cv::Mat mapX(size, CV_32F, stage->context.distortMapX.get());
@@ -186,7 +187,7 @@ std::vector<Workload> MakeWorkloads() {
            {"plain::", plain::RunApproximateAlignment, plain::AlignmentFarPlane, plain::DistortLUT});
   AddParts(all, stage, simulated);
   AddCalls(all, stage, frames);
-  AddYardsticks(all, stage, simulated);
+  AddReferences(all, stage, simulated);
   return all;
 }
 

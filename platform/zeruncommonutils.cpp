@@ -1,5 +1,5 @@
-// Stand-in for the device's libzeruncommonutils: a monotonic clock, and files of the C library whose device paths a
-// host can send elsewhere.
+// Stand-in for the device's libzeruncommonutils: a monotonic clock, and files of the C library. The host decides which
+// files or bytes stand for the device's paths.
 #include <zerun/hostfiles.h>
 #include <zerun/osutils.h>
 
@@ -10,29 +10,24 @@
 
 namespace {
 
-struct Redirection {
+struct Served {
   std::string devicePath;
-  std::string hostPath;
+  std::string bytes;
 };
 
-Redirection& TheRedirection() {
-  static Redirection redirection;
-  return redirection;
-}
-
-std::string HostPath(const std::string& devicePath) {
-  const Redirection& redirection = TheRedirection();
-  if (!redirection.hostPath.empty() && devicePath == redirection.devicePath) return redirection.hostPath;
-  const char* root = std::getenv("ZERUN_HOST_ROOT");
-  if (root != nullptr && devicePath.starts_with('/')) return root + devicePath;
-  return devicePath;
+/// The file that is served from memory; its path is empty if there is none.
+Served& TheServedFile() {
+  static Served served;
+  return served;
 }
 
 }  // namespace
 
-void ZerunHost::RedirectPath(const std::string& devicePath, const std::string& hostPath) {
-  TheRedirection() = {devicePath, hostPath};
+ZerunHost::ServedFile::ServedFile(const std::string& devicePath, const std::string& bytes) {
+  TheServedFile() = {devicePath, bytes};
 }
+
+ZerunHost::ServedFile::~ServedFile() { TheServedFile() = {}; }
 
 void Zerun::OsUtils::GetTime(ZerunTime* time) {
   timespec now{};
@@ -40,7 +35,13 @@ void Zerun::OsUtils::GetTime(ZerunTime* time) {
   *time = {static_cast<uint64_t>(now.tv_sec), static_cast<uint64_t>(now.tv_nsec)};
 }
 
-FILE* Zerun::OsUtils::FOpen(const char* path, const char* mode) { return std::fopen(HostPath(path).c_str(), mode); }
+FILE* Zerun::OsUtils::FOpen(const char* path, const char* mode) {
+  Served& served = TheServedFile();
+  if (path == served.devicePath) return fmemopen(served.bytes.data(), served.bytes.size(), "rb");
+  const char* root = std::getenv("ZERUN_HOST_ROOT");
+  if (root == nullptr || *path != '/') return std::fopen(path, mode);
+  return std::fopen((std::string(root) + path).c_str(), mode);
+}
 
 size_t Zerun::OsUtils::FRead(void* destination, size_t destinationSize, size_t itemSize, size_t itemCount, FILE* file) {
   if (itemSize == 0) return 0;

@@ -1,5 +1,6 @@
 // Scenes of a few pixels whose answers are worked out by hand.
 #include "alignment/approximatealignment.h"
+#include "alignment/grid.h"
 
 #include <fnmatch.h>
 #include <gtest/gtest.h>

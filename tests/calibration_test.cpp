@@ -67,11 +67,11 @@ TEST(Calibration, FaultsNameFieldAndPlace) {
       {5, -7.0F, nullptr, ""},
   };
   for (const Case& c : cases) {
-    const auto fault = itof::FindCalibrationFault(Decode(IdentityCalibration({{c.field, c.value}})));
+    const auto fault = itof::FirstCalibrationFault(Decode(IdentityCalibration({{c.field, c.value}})));
     ASSERT_EQ(fault.has_value(), c.name != nullptr) << "field " << c.field << " = " << c.value;
     if (!fault) continue;
-    EXPECT_EQ(fault->field, c.name);
-    EXPECT_EQ(fault->offset, 4 * c.field);
+    EXPECT_EQ(itof::EntryName(*fault->field, fault->index), c.name);
+    EXPECT_EQ(itof::EntryOffset(*fault->field, fault->index), 4 * c.field);
     EXPECT_NE(std::string(fault->cause).find(c.cause), std::string::npos) << fault->cause;
   }
 }
@@ -80,10 +80,10 @@ TEST(Calibration, NotANumberIsRefusedExactlyWhereTheGeometryUsesIt) {
   for (size_t field = 0; field < 57; ++field) {
     const bool unused = field < 2 || field == 25 || field == 26 || field == 38 || field > 54;
     for (const float bad : {kNan, kInfinity, -kInfinity}) {
-      const auto fault = itof::FindCalibrationFault(Decode(IdentityCalibration({{field, bad}})));
+      const auto fault = itof::FirstCalibrationFault(Decode(IdentityCalibration({{field, bad}})));
       ASSERT_EQ(fault.has_value(), !unused) << "field " << field;
       if (fault) {
-        EXPECT_EQ(fault->offset, 4 * field);
+        EXPECT_EQ(itof::EntryOffset(*fault->field, fault->index), 4 * field);
       }
     }
   }

@@ -17,6 +17,7 @@
 #include "alignment/distortlut.h"
 #include "alignment/farplane.h"
 #include "check/findings.h"
+#include "framesize.h"
 #include "inspection/camerapair.h"
 #include "inspection/comparison.h"
 #include "inspection/pixeltrace.h"
@@ -194,7 +195,7 @@ TEST(CalibrationCheck, JudgesGeometryByWhatItDoes) {
 
 TEST(LensReach, EndsWhereTheModelFoldsOrBreaks) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
-  const simulation::Lens none{}, barrel{-0.25, 0, 0, 0, 0, 0, 0, 0}, pole{1, 0, 0, -0.25, 0, 0, 0, 0};
+  const Lens none{}, barrel{-0.25, 0, 0, 0, 0, 0, 0, 0}, pole{1, 0, 0, -0.25, 0, 0, 0, 0};
   EXPECT_EQ(LensReach(none), kInfinity);
   EXPECT_NEAR(LensReach(barrel), std::sqrt(4.0 / 3), 1e-9);  // r - r^3 / 4 grows until there
   EXPECT_NEAR(LensReach(pole), std::sqrt(0.99 * 4), 1e-9);   // 1 - r^2 / 4 is 0.01 there

@@ -31,10 +31,11 @@ TEST(Platform, DevicePathsLeadToHostFiles) {
   EXPECT_EQ(Read("/device/file", 16), "(none)");
   setenv("ZERUN_HOST_ROOT", root.c_str(), 1);
   EXPECT_EQ(Read("/device/file", 16), "3 device/file");
-  ZerunHost::RedirectPath("/device/file", root / "elsewhere");
-  EXPECT_EQ(Read("/device/file", 16), "3 elsewhere");
-  EXPECT_EQ(Read("/plain", 16), "1 plain");
-  ZerunHost::RedirectPath("/device/file", "");
+  {
+    const ZerunHost::ServedFile file("/device/file", "from memory");
+    EXPECT_EQ(Read("/device/file", 16), "3 from memory");
+    EXPECT_EQ(Read("/plain", 16), "1 plain");
+  }
   EXPECT_EQ(Read("/device/file", 16), "3 device/file");
   unsetenv("ZERUN_HOST_ROOT");
   fs::remove_all(root);

@@ -1,7 +1,6 @@
 // Real frames of real cameras, against words that a program of others computed. The data is not part of the project:
 // without the folder, the cases are skipped.
 #include <gtest/gtest.h>
-#include <zerun/hostfiles.h>
 
 #include <fstream>
 #include <string>
@@ -9,6 +8,7 @@
 
 #include "calibration/calibrationrecord.h"
 #include "itofinterface.h"
+#include "support/initlibrary.h"
 
 namespace {
 
@@ -33,8 +33,10 @@ TEST(RealData, FirstFramesGiveTheExpectedWords) {
                {"orchard_121804.words.raw", "wide_stereo.bin", 1, "orchard_121804.wide_stereo.ratio1.raw"}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.expected);
-    ZerunHost::RedirectPath(itof::kCalibrationPath, folder + "/calibrations/" + c.calibration);
-    ASSERT_EQ(itof_init(), ITOF_OK);
+    itof::CalibrationRecord record{};
+    std::ifstream calibration(folder + "/calibrations/" + c.calibration, std::ios::binary);
+    ASSERT_TRUE(calibration.read(reinterpret_cast<char*>(&record), sizeof record));
+    InitLibrary(record);
     std::vector<uint16_t> frame = ReadWords(folder + "/frames/" + c.frame);
     ASSERT_EQ(frame.size(), 640U * 360U);
     itof_execute_algo(frame.data(), c.ratio);

@@ -19,6 +19,7 @@
 
 namespace {
 
+using namespace itoftool;
 using namespace itoftool::simulation;
 using itof::CalibrationRecord;
 

@@ -15,6 +15,7 @@
 #include "alignment/approximatealignment.h"
 #include "alignment/distortlut.h"
 #include "alignment/farplane.h"
+#include "alignment/grid.h"
 #include "alignment/idealcells.h"
 #include "alignment/matrixmultiply.h"
 #include "camera/lens.h"
@@ -128,9 +129,8 @@ Rig MakeRig(Random& random, Kind kind, int32_t width, int32_t height) {
   const double* ratio = context.auxRatioIntrinsics;
   aux.fx = ratio[0] * random.Between(0.7, 1.3);
   aux.fy = ratio[4] * random.Between(0.7, 1.3);
-  const auto distorted =
-      itoftool::simulation::Distort({aux.k1, aux.k2, aux.k3, aux.k4, aux.k5, aux.k6, aux.p1, aux.p2},
-                                    {(0.5 * width - ratio[2]) / ratio[0], (0.5 * height - ratio[5]) / ratio[4]});
+  const auto distorted = itoftool::Distort({aux.k1, aux.k2, aux.k3, aux.k4, aux.k5, aux.k6, aux.p1, aux.p2},
+                                           {(0.5 * width - ratio[2]) / ratio[0], (0.5 * height - ratio[5]) / ratio[4]});
   aux.cx = 0.5 * width - aux.fx * distorted.x;
   aux.cy = 0.5 * height - aux.fy * distorted.y;
   return rig;

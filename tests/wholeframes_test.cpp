@@ -21,11 +21,7 @@ TEST(WholeFrames, EqualTheirPlainForm) {
   for (const Rig& rig : {GentleRig(), StrongRig()}) {
     InitLibrary(rig.record);
     itof::AlignmentContext context{};
-    itof::AlignmentParams params{};
-    params.tofWidth = params.auxWidth = kWidth;
-    params.tofHeight = params.auxHeight = kHeight;
-    itof::FillAlignmentParams(rig.record, params);
-    plain::InitAlignmentContext(context, params, 1);
+    plain::InitAlignmentContext(context, itof::WorkingParams(rig.record), 1);
     for (const float ratio : {1.0F, 2.0F, 0.75F}) {
       itof_deinit();
       for (int frame = 0; frame < 3; ++frame) {

@@ -12,9 +12,11 @@
 #include "alignment/approximatealignment.h"
 #include "alignment/distortlut.h"
 #include "alignment/farplane.h"
+#include "alignment/grid.h"
 #include "calibration/alignmentparams.h"
 #include "calibration/calibrationcheck.h"
 #include "calibration/calibrationrecord.h"
+#include "framesize.h"
 #include "performancelog.h"
 #include "pixelwords.h"
 
@@ -23,9 +25,11 @@ namespace {
 
 static_assert(kFrameWidth == ITOF_FRAME_WIDTH && kFrameHeight == ITOF_FRAME_HEIGHT);
 
-/// The library's context, released when the library is unloaded or the process exits.
-struct LibraryContext : AlignmentContext {
-  ~LibraryContext() { ReleaseAlignmentContext(*this); }
+/// Releases the library's context when the library is unloaded or the process exits.
+struct LibraryContext {
+  ~LibraryContext() { ReleaseAlignmentContext(context); }
+
+  AlignmentContext context{};
 };
 
 /// The bytes behind the objects of one frame. Those objects come and go with each frame; fresh bytes for them would cost
@@ -37,7 +41,7 @@ struct FrameMemory {
 };
 
 AlignmentParams alignment_params;
-LibraryContext alignment_context;
+LibraryContext library_context;
 std::unique_ptr<FrameMemory> frame_memory;  // from the first frame until the library is unloaded
 bool init_done;
 int32_t tof_calib_width;
@@ -59,25 +63,19 @@ void PackAlignedWords(const cv::Mat& working, cv::Mat& aligned) {
 using namespace itof;
 
 int32_t itof_init() {
-  AlignmentParams params{};
-  params.tofWidth = kFrameWidth;
-  params.tofHeight = kFrameHeight;
-  params.auxWidth = kFrameWidth;
-  params.auxHeight = kFrameHeight;
-
   CalibrationLoad load = LoadCalibrationRecord();
   if (load.status == CalibrationLoadStatus::kUnreadable) return ITOF_CALIBRATION_UNREADABLE;
   if (load.status == CalibrationLoadStatus::kShort) return ITOF_CALIBRATION_SHORT;
-  if (FindCalibrationFault(*load.record)) return ITOF_CALIBRATION_UNUSABLE;
-  FillAlignmentParams(*load.record, params);
+  if (FirstCalibrationFault(*load.record)) return ITOF_CALIBRATION_UNUSABLE;
+  const AlignmentParams params = WorkingParams(*load.record);
   const float auxFlRatio = load.record->aux_fl_ratio;
   load.record.reset();
 
-  // Built beside the context in use: until here, and in here, a failure changes nothing.
+  // Build the new context first: if this throws, the library's state is untouched.
   AlignmentContext context{};
   InitAlignmentContext(context, params, 1);
 
-  std::swap<AlignmentContext>(alignment_context, context);
+  std::swap(library_context.context, context);
   ReleaseAlignmentContext(context);
   alignment_params = params;
   tof_calib_width = params.tofCalibWidth;
@@ -89,7 +87,7 @@ int32_t itof_init() {
 
 int32_t itof_execute_algo(uint16_t* frame, float ratio) {
   if (!init_done) return 0;
-  AlignmentContext& context = alignment_context;
+  AlignmentContext& context = library_context.context;
   const ZerunTime frameStart = TimeStamp();
 
   const size_t sourceCount = PixelCount(alignment_params.tofWidth, alignment_params.tofHeight);

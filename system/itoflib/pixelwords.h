@@ -13,9 +13,6 @@
 
 namespace itof {
 
-inline constexpr int32_t kFrameWidth = 640;
-inline constexpr int32_t kFrameHeight = 360;
-
 /// Depth code of a depth word: 0..8191; 0 carries no distance.
 constexpr uint16_t DepthCode(uint16_t depthWord) { return depthWord & 0x1FFF; }
 

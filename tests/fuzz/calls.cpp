@@ -55,7 +55,7 @@ class Model {
     if (g_platform.readFailsAt.value_or(needed) < std::min(file->size() + 1, needed))
       return ITOF_CALIBRATION_UNREADABLE;
     if (file->size() < needed) return ITOF_CALIBRATION_SHORT;
-    return FindCalibrationFault(Record()) ? ITOF_CALIBRATION_UNUSABLE : ITOF_OK;
+    return FirstCalibrationFault(Record()) ? ITOF_CALIBRATION_UNUSABLE : ITOF_OK;
   }
 
   void Init() {
@@ -95,7 +95,7 @@ class Model {
 /// Puts the library back to where it was when it was loaded.
 void UnloadLibrary() {
   itof::alignment_params = {};
-  static_cast<itof::AlignmentContext&>(itof::alignment_context) = {};
+  itof::library_context.context = {};
   itof::frame_memory.reset();
   itof::init_done = itof::tables_prepared = false;
   itof::tof_calib_width = 0;

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "alignment/grid.h"
 #include "calibration/alignmentparams.h"
 #include "files/pictures.h"
 #include "fuzz/callsinput.h"

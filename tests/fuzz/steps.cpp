@@ -10,6 +10,7 @@
 #include "alignment/approximatealignment.h"
 #include "alignment/distortlut.h"
 #include "alignment/farplane.h"
+#include "alignment/grid.h"
 #include "fuzz/require.h"
 #include "fuzz/stepsinput.h"
 #include "plain/plainsteps.h"

@@ -3,24 +3,18 @@
 #define ITOF_TESTS_SUPPORT_INITLIBRARY_H_
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 #include <zerun/hostfiles.h>
 
-#include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "calibration/calibrationrecord.h"
 #include "itofinterface.h"
 
-/// Has the library, on the host's stand-ins, read `record` from a file.
+/// Lets the library, on the host's stand-ins, read `record`.
 inline void InitLibrary(const itof::CalibrationRecord& record) {
-  const std::string path = testing::TempDir() + "itof-calibration-" + std::to_string(getpid()) + ".bin";
-  std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(&record), sizeof record);
-  ZerunHost::RedirectPath(itof::kCalibrationPath, path);
+  const std::string bytes(reinterpret_cast<const char*>(&record), sizeof record);
+  const ZerunHost::ServedFile file(itof::kCalibrationPath, bytes);
   EXPECT_EQ(itof_init(), ITOF_OK);
-  ZerunHost::RedirectPath(itof::kCalibrationPath, "");
-  std::filesystem::remove(path);
 }
 
 #endif  // ITOF_TESTS_SUPPORT_INITLIBRARY_H_

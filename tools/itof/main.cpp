@@ -64,15 +64,6 @@ int Run(int argc, char** argv) {
 
 }  // namespace
 
-void itoftool::RequireSubcommand(const CLI::App& app) {
-  if (!app.get_subcommands().empty()) return;
-  std::string names;
-  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
-    names += " " + command->get_name();
-  }
-  throw UsageError("a command of " + app.get_name() + " is required, one of:" + names);
-}
-
 int main(int argc, char** argv) {
   OpenStandardStreams();
   // A reader that goes away and a file size limit show as failed writes, so that what is half done is cleared away.

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "alignment/grid.h"
 #include "alignment/matrixmultiply.h"
 #include "alignment/targettable.h"
 
@@ -39,6 +40,7 @@ CameraModel MakeCameraModel(const double (&k)[9], const double (&d)[8]) {
 void InitAlignmentContext(AlignmentContext& context, const AlignmentParams& params, uint8_t distortionEnabled) {
   context.distortionEnabled = distortionEnabled;
   context.params = params;
+  context.targetsPrepared = false;
 
   const size_t tofPixels = PixelCount(params.tofWidth, params.tofHeight);
   context.confidence = std::make_unique_for_overwrite<uint8_t[]>(tofPixels);

@@ -54,11 +54,6 @@ struct AlignmentContext {
   bool targetsPrepared;
 };
 
-/// Pixels of a grid; 0 if a side is below 1.
-constexpr size_t PixelCount(int32_t width, int32_t height) {
-  return width < 1 || height < 1 ? 0 : static_cast<size_t>(width) * static_cast<size_t>(height);
-}
-
 /// The 3x3 matrix that resizes a pixel grid by `scaleX` and `scaleY` with the centres of pixels kept: a position p goes
 /// to scale * p + (scale - 1) / 2. Multiplied from the left into a camera matrix.
 constexpr std::array<double, 9> ScaleMatrix(double scaleX, double scaleY) {

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <ctime>
 
+#include "alignment/grid.h"
 #include "alignment/idealcells.h"
 #include "alignment/kernelbuild.h"
 #include "alignment/targettable.h"

@@ -68,6 +68,7 @@ ITOF_KERNEL inline void Project(const double (&k)[9], const double (&projection)
 void AlignmentFarPlane(AlignmentContext& context, float* farPlaneMapX, float* farPlaneMapY, double scaleX,
                        double scaleY) {
   const AlignmentParams& params = context.params;
+  context.targetsPrepared = false;  // a run starts here, and its lens table will be another one
   const auto scale = ScaleMatrix(scaleX, scaleY);
   MatrixMultiply(context.auxRatioIntrinsics, scale.data(), params.auxIntrinsics, 3, 3, 3, 3);
 

@@ -9,8 +9,8 @@
 #include <cmath>
 #include <cstdint>
 
+#include "alignment/grid.h"
 #include "alignment/kernelbuild.h"
-#include "alignment/targettable.h"
 #include "integerpart.h"
 #include "pixelwords.h"
 

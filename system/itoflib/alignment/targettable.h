@@ -9,30 +9,13 @@
 #include <limits>
 
 #include "alignment/alignmentcontext.h"
+#include "alignment/grid.h"
 #include "alignment/kernelbuild.h"
 
 namespace itof {
 
 /// In the place of a target: outside the aux frame.
 inline constexpr uint32_t kDropped = std::numeric_limits<uint32_t>::max();
-
-/// A grid of cells, at most 2^31 with its border.
-struct Grid {
-  int32_t width, height;
-
-  /// Without a branch, so that it can be asked of many cells at once.
-  ITOF_KERNEL constexpr bool Holds(int32_t u, int32_t v) const {
-    return (static_cast<uint32_t>(u) < static_cast<uint32_t>(width)) &
-           (static_cast<uint32_t>(v) < static_cast<uint32_t>(height));
-  }
-
-  /// Index of a cell in a table that has a border of one cell around the grid; u from -1 to width, v from -1 to height.
-  ITOF_KERNEL constexpr int32_t IndexWithBorder(int32_t u, int32_t v) const { return (v + 1) * (width + 2) + u + 1; }
-
-  constexpr size_t CountWithBorder() const {
-    return (static_cast<size_t>(width) + 2) * (static_cast<size_t>(height) + 2);
-  }
-};
 
 /// The ideal positions that can lead anywhere: those that the lens table has, and those of the aux frame, where
 /// positions that it does not have land unchanged. Nothing, if the aux frame has no pixels.

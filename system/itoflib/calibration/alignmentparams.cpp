@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "framesize.h"
 #include "integerpart.h"
 
 namespace itof {
@@ -22,6 +23,14 @@ void FillAlignmentParams(const CalibrationRecord& record, AlignmentParams& param
   std::ranges::transform(record.translation, params.translation, widenAndDivide);
   std::ranges::transform(record.tofDistortion, params.tofDistortion, widen);
   std::ranges::transform(record.auxDistortion, params.auxDistortion, widen);
+}
+
+AlignmentParams WorkingParams(const CalibrationRecord& record) {
+  AlignmentParams params{};
+  params.tofWidth = params.auxWidth = kFrameWidth;
+  params.tofHeight = params.auxHeight = kFrameHeight;
+  FillAlignmentParams(record, params);
+  return params;
 }
 
 }  // namespace itof

@@ -32,6 +32,9 @@ struct AlignmentParams {
 /// their fraction; all else is exact but the translation, whose entries are divided by 10.
 void FillAlignmentParams(const CalibrationRecord& record, AlignmentParams& params);
 
+/// The parameters of a record for ToF and aux frames of 640 x 360.
+AlignmentParams WorkingParams(const CalibrationRecord& record);
+
 }  // namespace itof
 
 #endif  // ITOF_CALIBRATION_ALIGNMENTPARAMS_H_

@@ -1,43 +1,31 @@
-// The boundary at which bad calibrations stop: behind it the alignment divides by sizes and focal lengths unasked.
+// Rejects calibrations the alignment cannot work with; it divides by sizes and focal lengths without checking them.
 #include "calibration/calibrationcheck.h"
 
 #include <cmath>
-#include <cstring>
 
-#include "calibration/calibrationfields.h"
-#include "pixelwords.h"
+#include "framesize.h"
 
 namespace itof {
-namespace {
 
-/// What is wrong with entry `index` of a field that the geometry uses, or null.
-const char* Cause(FieldKind kind, size_t index, float value) {
+const char* EntryFault(const CalibrationField& field, size_t index, float value) {
+  if (!IsGeometry(field.kind)) return nullptr;
   if (!std::isfinite(value)) return "is not finite";
-  const bool isSize = kind == FieldKind::kImageSize || kind == FieldKind::kFrameWidth;
+  const bool isSize = field.kind == FieldKind::kImageSize || field.kind == FieldKind::kFrameWidth;
   if (isSize && value < 1) return "is below 1 pixel";
   if (isSize && value >= 2147483648.0F) return "is beyond a 32-bit integer";
   // The frame buffers agree in size for this width only.
   const bool isFrameWidth = std::trunc(value) == kFrameWidth;
-  if (kind == FieldKind::kFrameWidth && !isFrameWidth) return "is not the frame's width of 640 pixels";
-  const bool isFocalLength = kind == FieldKind::kCameraMatrix && (index == 0 || index == 4);
-  if (isFocalLength && value <= 0) return "is no focal length above 0";
+  if (field.kind == FieldKind::kFrameWidth && !isFrameWidth) return "is not the frame's width of 640 pixels";
+  const bool isFocalLength = field.kind == FieldKind::kCameraMatrix && (index == 0 || index == 4);
+  if (isFocalLength && value <= 0) return "is not a focal length above 0";
   return nullptr;
 }
 
-}  // namespace
-
-std::optional<CalibrationFault> FindCalibrationFault(const CalibrationRecord& record, size_t from) {
-  const auto* bytes = reinterpret_cast<const std::byte*>(&record);
+std::optional<CalibrationFault> FirstCalibrationFault(const CalibrationRecord& record) {
   for (const CalibrationField& field : kCalibrationFields) {
-    if (!IsGeometry(field.kind)) continue;
     for (size_t index = 0; index < field.count; ++index) {
-      const size_t offset = field.offset + index * sizeof(float);
-      if (offset < from) continue;
-      float value;
-      std::memcpy(&value, bytes + offset, sizeof value);
-      if (const char* cause = Cause(field.kind, index, value)) {
-        return CalibrationFault{EntryName(field, index), offset, value, cause};
-      }
+      const float value = EntryValue(record, field, index);
+      if (const char* cause = EntryFault(field, index, value)) return CalibrationFault{&field, index, value, cause};
     }
   }
   return std::nullopt;

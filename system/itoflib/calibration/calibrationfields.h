@@ -2,8 +2,13 @@
 #ifndef ITOF_CALIBRATION_CALIBRATIONFIELDS_H_
 #define ITOF_CALIBRATION_CALIBRATIONFIELDS_H_
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <string>
+#include <string_view>
 
 #include "calibration/calibrationrecord.h"
 
@@ -53,6 +58,39 @@ inline constexpr CalibrationField kCalibrationFields[] = {
 
 /// Whether the geometry depends on a field.
 constexpr bool IsGeometry(FieldKind kind) { return kind != FieldKind::kUnused && kind != FieldKind::kLogged; }
+
+/// The field of that name. A name that no field has does not compile.
+consteval const CalibrationField& FieldNamed(std::string_view name) {
+  return *std::ranges::find_if(kCalibrationFields, [&](const CalibrationField& field) { return name == field.name; });
+}
+
+/// Calls `use` with each field and each index of an entry in it, in the order of the file.
+template <typename Use>
+void ForEachEntry(const Use& use) {
+  for (const CalibrationField& field : kCalibrationFields) {
+    for (size_t index = 0; index < field.count; ++index) use(field, index);
+  }
+}
+
+/// Place of an entry in the file, bytes.
+constexpr size_t EntryOffset(const CalibrationField& field, size_t index) { return field.offset + 4 * index; }
+
+/// The four bytes of an entry, as a little-endian number.
+inline uint32_t EntryBits(const CalibrationRecord& record, const CalibrationField& field, size_t index) {
+  uint32_t bits;
+  std::memcpy(&bits, reinterpret_cast<const std::byte*>(&record) + EntryOffset(field, index), sizeof bits);
+  return bits;
+}
+
+/// An entry of a field that holds floats.
+inline float EntryValue(const CalibrationRecord& record, const CalibrationField& field, size_t index) {
+  return std::bit_cast<float>(EntryBits(record, field, index));
+}
+
+/// Sets an entry of a field that holds floats.
+inline void SetEntry(CalibrationRecord& record, const CalibrationField& field, size_t index, float value) {
+  std::memcpy(reinterpret_cast<std::byte*>(&record) + EntryOffset(field, index), &value, sizeof value);
+}
 
 /// The name of an entry, with its index where the field has more than one, e.g. "tofIntrinsics[4]".
 inline std::string EntryName(const CalibrationField& field, size_t index) {

@@ -5,7 +5,7 @@
 
 #include <cmath>
 
-namespace itoftool::simulation {
+namespace itoftool {
 
 struct Point2 {
   double x, y;
@@ -56,6 +56,6 @@ inline Mat3 Rotation(double x, double y, double z) {
            s * (x * z - y), s * (y * z + x), 1 - s * (x * x + y * y)}};
 }
 
-}  // namespace itoftool::simulation
+}  // namespace itoftool
 
 #endif  // ITOF_TOOL_CAMERA_GEOMETRY_H_

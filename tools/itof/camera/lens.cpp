@@ -3,10 +3,12 @@
 #include "camera/lens.h"
 
 #include <cmath>
+#include <limits>
+#include <numbers>
 #include <stdexcept>
 #include <string>
 
-namespace itoftool::simulation {
+namespace itoftool {
 namespace {
 
 /// A distorted position, and its derivatives by the ideal one. The matrix of these is symmetric.
@@ -31,6 +33,20 @@ Distortion Evaluate(const Lens& lens, Point2 ideal) {
           .yy = radial + 2 * y * y * slope + 6 * p1 * y + 2 * p2 * x};
 }
 
+/// Whether the radial model is sound at a radius: the denominator is well above zero, and the distorted radius grows.
+bool Holds(const Lens& lens, double radius) {
+  constexpr double kNearZero = 0.01;
+  const double r2 = radius * radius;
+  const double numerator = 1 + r2 * (lens.k1 + r2 * (lens.k2 + r2 * lens.k3));
+  const double denominator = 1 + r2 * (lens.k4 + r2 * (lens.k5 + r2 * lens.k6));
+  const double numeratorSlope = lens.k1 + r2 * (2 * lens.k2 + r2 * 3 * lens.k3);  // by r2
+  const double denominatorSlope = lens.k4 + r2 * (2 * lens.k5 + r2 * 3 * lens.k6);
+  // The derivative of r * numerator / denominator, times the denominator's square.
+  const double growth =
+      numerator * denominator + 2 * r2 * (numeratorSlope * denominator - numerator * denominatorSlope);
+  return denominator > kNearZero && growth > 0;
+}
+
 }  // namespace
 
 Point2 Distort(const Lens& lens, Point2 ideal) { return Evaluate(lens, ideal).position; }
@@ -53,6 +69,20 @@ std::optional<Point2> Undistort(const Lens& lens, Point2 distorted) {
   return std::nullopt;
 }
 
+double LensReach(const Lens& lens) {
+  constexpr int kSteps = 8900;
+  const auto radius = [](int step) { return std::tan(step * (std::numbers::pi / 180 / 100)); };
+  int step = 1;
+  while (step <= kSteps && Holds(lens, radius(step))) ++step;
+  if (step > kSteps) return std::numeric_limits<double>::infinity();
+  double low = radius(step - 1), high = radius(step);
+  for (int round = 0; round < 40; ++round) {
+    const double middle = (low + high) / 2;
+    (Holds(lens, middle) ? low : high) = middle;
+  }
+  return low;
+}
+
 Point2 Project(const Camera& camera, const Vec3& point) {
   const Point2 seen = Distort(camera.lens, {point.x / point.z, point.y / point.z});
   return {camera.fx * seen.x + camera.cx, camera.fy * seen.y + camera.cy};
@@ -68,4 +98,4 @@ Vec3 Ray(const Camera& camera, Point2 position) {
   return {ideal->x, ideal->y, 1};
 }
 
-}  // namespace itoftool::simulation
+}  // namespace itoftool

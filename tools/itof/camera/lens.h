@@ -6,7 +6,7 @@
 
 #include "camera/geometry.h"
 
-namespace itoftool::simulation {
+namespace itoftool {
 
 /// The rational radial model with two tangential terms: with r2 = x^2 + y^2 and R = (1 + k1 r2 + k2 r2^2 + k3 r2^3) /
 /// (1 + k4 r2 + k5 r2^2 + k6 r2^3), the ideal position (x, y) on the plane z = 1 is seen at (x R + 2 p1 x y + p2 (r2 +
@@ -22,6 +22,10 @@ Point2 Distort(const Lens& lens, Point2 ideal);
 /// picture over on its way.
 std::optional<Point2> Undistort(const Lens& lens, Point2 distorted);
 
+/// How far off the axis, as a radius on the plane z = 1, a lens model holds: from there on its denominator is near zero,
+/// or the distorted radius no longer grows. Infinite if it holds up to 89 degrees. Tangential terms are left out.
+double LensReach(const Lens& lens);
+
 /// A camera: focal lengths and principal point in pixels (integer coordinates are pixel centres), and a lens.
 struct Camera {
   double fx, fy, cx, cy;
@@ -35,6 +39,6 @@ Point2 Project(const Camera& camera, const Vec3& point);
 /// the lens has no inverse.
 Vec3 Ray(const Camera& camera, Point2 position);
 
-}  // namespace itoftool::simulation
+}  // namespace itoftool
 
 #endif  // ITOF_TOOL_CAMERA_LENS_H_

@@ -1,8 +1,11 @@
-// What the judges of a calibration's geometry share, and what each of them judges.
+// The calibration that is being checked, with what all checks of its geometry need, and those checks.
 #ifndef ITOF_TOOL_CHECK_CHECKEDPAIR_H_
 #define ITOF_TOOL_CHECK_CHECKEDPAIR_H_
 
+#include <cstdint>
 #include <opencv2/core.hpp>
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -13,30 +16,36 @@
 namespace itoftool {
 
 /// A calibration that the library accepts, in exact geometry and as the library aligns with it at a ratio of 1.
-struct JudgedPair {
-  explicit JudgedPair(const itof::CalibrationRecord& judged);
+struct CheckedPair {
+  explicit CheckedPair(const itof::CalibrationRecord& calibration);
 
-  /// By how many pixels the aligned positions differ from those of another reading of the file, as a sentence.
+  /// A sentence that says by how many pixels the aligned positions at 1 m differ from those of `otherReading`, another
+  /// way to read the same numbers.
   std::string Effect(const itof::CalibrationRecord& otherReading) const;
 
   itof::CalibrationRecord record;
   CameraPair pair;
   RunTables tables;
-  std::vector<cv::Point> pixels;  // those that are looked at
+  std::vector<cv::Point> pixels;  // one ToF pixel of each 8 x 8
 };
 
 using Findings = std::vector<Finding>;
 
-/// False if the rotation is none, so that nothing can be said about what the cameras have in common.
-bool JudgeRotation(const JudgedPair& judged, Findings& findings);
-void JudgeTranslation(const JudgedPair& judged, Findings& findings);
-/// Whether the cameras look at the same thing, as written and with the extrinsics read in other ways.
-void JudgeDirection(const JudgedPair& judged, Findings& findings);
+// Each check appends what it finds.
 
-/// False if a matrix is in other units, so that nothing can be said about what its camera sees.
-bool JudgeMatrices(const JudgedPair& judged, Findings& findings);
+/// Checks the bytes of a calibration file. Returns the record if the library accepts it.
+std::optional<itof::CalibrationRecord> CheckFile(std::span<const uint8_t> bytes, Findings& findings);
 
-void JudgeLenses(const JudgedPair& judged, Findings& findings);
+/// Returns false if the matrix is not a rotation. Checks that depend on it make no sense then.
+bool CheckRotation(const CheckedPair& checked, Findings& findings);
+void CheckTranslation(const CheckedPair& checked, Findings& findings);
+/// Checks that both cameras look at the same scene, as written and with other readings of the extrinsics.
+void CheckDirection(const CheckedPair& checked, Findings& findings);
+
+/// Returns false if a matrix is not in pixels. Checks of what its camera sees make no sense then.
+bool CheckMatrices(const CheckedPair& checked, Findings& findings);
+
+void CheckLenses(const CheckedPair& checked, Findings& findings);
 
 }  // namespace itoftool
 

@@ -4,9 +4,10 @@
 #include <iterator>
 #include <numbers>
 
+#include "camera/rotation.h"
 #include "check/checkedpair.h"
+#include "framesize.h"
 #include "inspection/comparison.h"
-#include "pixelwords.h"
 #include "support/text.h"
 
 namespace itoftool {
@@ -30,9 +31,9 @@ struct Reading {
   std::string words;
 };
 
-void JudgeOverlap(const JudgedPair& judged, Findings& findings) {
+void CheckOverlap(const CheckedPair& checked, Findings& findings) {
   constexpr double kLittle = 0.5, kClearlyMore = 0.2;
-  const CameraPair& pair = judged.pair;
+  const CameraPair& pair = checked.pair;
   const cv::Matx33d& r = pair.rotation;
   const cv::Vec3d& t = pair.translation;
   const Reading written(pair, "As written", r, t);
@@ -56,9 +57,9 @@ void JudgeOverlap(const JudgedPair& judged, Findings& findings) {
 }
 
 /// Pairs are built to look at one thing, so the rotation should bring the middles of both views together.
-void JudgeAim(const JudgedPair& judged, Findings& findings) {
+void CheckAim(const CheckedPair& checked, Findings& findings) {
   constexpr double kApart = 5;  // degrees
-  const CameraPair& pair = judged.pair;
+  const CameraPair& pair = checked.pair;
   const cv::Point2d middle[] = {{(itof::kFrameWidth - 1) / 2.0, (itof::kFrameHeight - 1) / 2.0}};
   const cv::Point2d tof = Rays(pair.tof, middle)[0], aux = Rays(pair.aux, middle)[0];
   const cv::Vec3d tofMiddle(tof.x, tof.y, 1), auxMiddle(aux.x, aux.y, 1);
@@ -77,19 +78,19 @@ void JudgeAim(const JudgedPair& judged, Findings& findings) {
 
 }  // namespace
 
-bool JudgeRotation(const JudgedPair& judged, Findings& findings) {
-  const cv::Matx33d& r = judged.pair.rotation;
+bool CheckRotation(const CheckedPair& checked, Findings& findings) {
+  const cv::Matx33d& r = checked.pair.rotation;
   const double off = OrthonormalityError(r);
   if (off > kOrthonormal) {
     const cv::SVD svd((cv::Mat(r)));
     const cv::Mat nearest = svd.u * svd.vt;
-    itof::CalibrationRecord turned = judged.record;
+    itof::CalibrationRecord turned = checked.record;
     for (int i = 0; i < 9; ++i) turned.rotation[i] = static_cast<float>(nearest.at<double>(i / 3, i % 3));
     findings.push_back({Severity::kError, "rotation",
                         Format("The rotation is not orthonormal: R times its transpose is up to %.3g off the identity. "
                                "Take it as it is, or the nearest rotation. ",
                                off) +
-                            judged.Effect(turned),
+                            checked.Effect(turned),
                         "Write the matrix that the stereo calibration gave, nine entries row by row. A rotation vector "
                         "has to be turned into a matrix first."});
     return false;
@@ -105,9 +106,9 @@ bool JudgeRotation(const JudgedPair& judged, Findings& findings) {
   return true;
 }
 
-void JudgeTranslation(const JudgedPair& judged, Findings& findings) {
+void CheckTranslation(const CheckedPair& checked, Findings& findings) {
   constexpr double kLeast = 0.5, kMost = 200;
-  const CameraPair& pair = judged.pair;
+  const CameraPair& pair = checked.pair;
   const cv::Vec3d& t = pair.translation;
   const double baseline = cv::norm(t);
   const double sideways = std::hypot(t[0], t[1]);
@@ -137,7 +138,7 @@ void JudgeTranslation(const JudgedPair& judged, Findings& findings) {
          "Write the translation in the unit of the depth codes, millimetres as a rule."});
   }
   if (std::abs(t[2]) > sideways) {
-    const Approximation at = MeasureApproximation(pair, judged.tables, 300);
+    const Approximation at = MeasureApproximation(pair, checked.tables, 300);
     findings.push_back(
         {Severity::kWarning, "axial-translation",
          Format(
@@ -149,9 +150,9 @@ void JudgeTranslation(const JudgedPair& judged, Findings& findings) {
   }
 }
 
-void JudgeDirection(const JudgedPair& judged, Findings& findings) {
-  JudgeOverlap(judged, findings);
-  JudgeAim(judged, findings);
+void CheckDirection(const CheckedPair& checked, Findings& findings) {
+  CheckOverlap(checked, findings);
+  CheckAim(checked, findings);
 }
 
 }  // namespace itoftool

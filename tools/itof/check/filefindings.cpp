@@ -1,12 +1,11 @@
 // Files that are no calibration at all, or one that only another machine would understand.
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <optional>
 
 #include "calibration/calibrationcheck.h"
 #include "calibration/calibrationfields.h"
-#include "check/findings.h"
+#include "check/checkedpair.h"
 #include "support/text.h"
 
 namespace itoftool {
@@ -16,12 +15,6 @@ using Bytes = std::span<const uint8_t, itof::kCalibrationRecordSize>;
 
 constexpr char kReadAgain[] =
     "Read the partition or the module's memory again, and compare with the file that the calibration station wrote.";
-
-float EntryAt(const itof::CalibrationRecord& record, size_t offset) {
-  float value;
-  std::memcpy(&value, reinterpret_cast<const std::byte*>(&record) + offset, sizeof value);
-  return value;
-}
 
 /// The record with the bytes of every field in the other order.
 itof::CalibrationRecord SwapBytes(Bytes bytes) {
@@ -46,20 +39,18 @@ std::optional<Finding> FindSwappedFields(const itof::CalibrationRecord& record,
                                          const itof::CalibrationRecord& swapped) {
   std::string first;
   size_t count = 0;
-  for (const itof::CalibrationField& field : itof::kCalibrationFields) {
-    for (size_t index = 0; index < field.count && itof::IsGeometry(field.kind); ++index) {
-      const size_t offset = field.offset + index * sizeof(float);
-      const float asWritten = EntryAt(record, offset), asSwapped = EntryAt(swapped, offset);
-      if (!IsAbsurd(asWritten) || !IsOrdinary(asSwapped)) continue;
-      if (count++ == 0) {
-        first = Format("%s at byte %zu is %.4g as written, and %.6g with its bytes in the other order",
-                       itof::EntryName(field, index).c_str(), offset, static_cast<double>(asWritten),
-                       static_cast<double>(asSwapped));
-      }
+  itof::ForEachEntry([&](const itof::CalibrationField& field, size_t index) {
+    if (!itof::IsGeometry(field.kind)) return;
+    const float asWritten = EntryValue(record, field, index), asSwapped = EntryValue(swapped, field, index);
+    if (!IsAbsurd(asWritten) || !IsOrdinary(asSwapped)) return;
+    if (count++ == 0) {
+      first = Format("%s at byte %zu is %.4g as written, and %.6g with its bytes in the other order",
+                     itof::EntryName(field, index).c_str(), itof::EntryOffset(field, index),
+                     static_cast<double>(asWritten), static_cast<double>(asSwapped));
     }
-  }
+  });
   if (count == 0) return std::nullopt;
-  const bool whole = itof::FindCalibrationFault(record) && !itof::FindCalibrationFault(swapped);
+  const bool whole = itof::FirstCalibrationFault(record) && !itof::FirstCalibrationFault(swapped);
   return Finding{Severity::kError, "byte-order",
                  first + (whole       ? "; the whole file makes sense that way, and no pixel can be placed as it is."
                           : count > 1 ? Format("; %zu more fields are like that.", count - 1)
@@ -76,52 +67,46 @@ std::optional<Finding> FindErasedMemory(Bytes bytes) {
 }
 
 void FindUnusableFields(const itof::CalibrationRecord& record, std::vector<Finding>& findings) {
-  auto fault = itof::FindCalibrationFault(record);
-  for (; fault; fault = itof::FindCalibrationFault(record, fault->offset + sizeof(float))) {
+  itof::ForEachEntry([&](const itof::CalibrationField& field, size_t index) {
+    const float value = EntryValue(record, field, index);
+    const char* cause = itof::EntryFault(field, index, value);
+    if (cause == nullptr) return;
     findings.push_back({Severity::kError, "field",
                         Format("%s at byte %zu: %.9g %s. itof_init refuses the file, and frames come back unchanged.",
-                               fault->field.c_str(), fault->offset, static_cast<double>(fault->value), fault->cause),
-                        "Have the station that wrote the file write this field again; " +
-                            std::string("docs/calibration.md says what belongs there.")});
-  }
+                               itof::EntryName(field, index).c_str(), itof::EntryOffset(field, index),
+                               static_cast<double>(value), cause),
+                        "Have the station that wrote the file write this field again; "
+                        "docs/calibration.md says what belongs there."});
+  });
 }
 
 }  // namespace
 
-std::vector<Finding> CheckCalibration(std::span<const uint8_t> bytes) {
+std::optional<itof::CalibrationRecord> CheckFile(std::span<const uint8_t> bytes, Findings& findings) {
   constexpr size_t kSize = itof::kCalibrationRecordSize;
-  std::vector<Finding> findings;
   if (bytes.size() < kSize) {
-    return {{Severity::kError, "size", Format("The file holds %zu bytes; a calibration has 228.", bytes.size()),
-             kReadAgain}};
+    findings.push_back({Severity::kError, "size",
+                        Format("The file holds %zu bytes; a calibration has 228.", bytes.size()), kReadAgain});
+    return std::nullopt;
   }
   if (bytes.size() > kSize) {
     findings.push_back({Severity::kWarning, "size",
                         Format("The file holds %zu bytes; what follows the first 228 is ignored.", bytes.size()),
                         "Make sure that the calibration is at the start of the file."});
   }
-  const Bytes record = bytes.first<kSize>();
-  if (auto erased = FindErasedMemory(record)) {
+  const Bytes calibration = bytes.first<kSize>();
+  if (auto erased = FindErasedMemory(calibration)) {
     findings.push_back(*erased);
-    return findings;
+    return std::nullopt;
   }
-  const itof::CalibrationRecord decoded = itof::DecodeCalibrationRecord(record.data());
-  if (auto swapped = FindSwappedFields(decoded, SwapBytes(record))) {
+  const itof::CalibrationRecord record = itof::DecodeCalibrationRecord(calibration.data());
+  if (auto swapped = FindSwappedFields(record, SwapBytes(calibration))) {
     findings.push_back(*swapped);
-    return findings;
+    return std::nullopt;
   }
-  FindUnusableFields(decoded, findings);
-  if (CountErrors(findings) == 0) std::ranges::copy(CheckGeometry(decoded), std::back_inserter(findings));
-  return findings;
-}
-
-size_t CountErrors(const std::vector<Finding>& findings) {
-  return static_cast<size_t>(std::ranges::count(findings, Severity::kError, &Finding::severity));
-}
-
-std::string CountText(const std::vector<Finding>& findings) {
-  const size_t errors = CountErrors(findings), warnings = findings.size() - errors;
-  return Format("%zu error%s, %zu warning%s", errors, errors == 1 ? "" : "s", warnings, warnings == 1 ? "" : "s");
+  FindUnusableFields(record, findings);
+  if (CountErrors(findings) > 0) return std::nullopt;
+  return record;
 }
 
 }  // namespace itoftool

@@ -7,8 +7,8 @@
 
 #include "check/camerafields.h"
 #include "check/checkedpair.h"
+#include "framesize.h"
 #include "inspection/comparison.h"
-#include "pixelwords.h"
 #include "support/text.h"
 
 namespace itoftool {
@@ -17,11 +17,11 @@ namespace {
 constexpr double kDegrees = 180 / std::numbers::pi;
 
 /// How far off the axis, on the plane z = 1, the ToF camera's pixels are; nothing if some have no ray.
-std::optional<double> TofRadius(const JudgedPair& judged) {
+std::optional<double> TofRadius(const CheckedPair& checked) {
   constexpr double kRight = itof::kFrameWidth - 1, kBottom = itof::kFrameHeight - 1;
   const cv::Point2d corners[] = {{0, 0}, {kRight, 0}, {0, kBottom}, {kRight, kBottom}};
   double radius = 0;
-  for (const cv::Point2d& ray : Rays(judged.pair.tof, corners)) {
+  for (const cv::Point2d& ray : Rays(checked.pair.tof, corners)) {
     if (std::isnan(ray.x)) return std::nullopt;
     radius = std::max(radius, cv::norm(ray));
   }
@@ -29,12 +29,12 @@ std::optional<double> TofRadius(const JudgedPair& judged) {
 }
 
 /// The same for the ideal positions of the aux camera that pixels land from.
-double AuxRadius(const JudgedPair& judged) {
-  const itof::CameraModel& aux = judged.tables.Context().auxModel;
+double AuxRadius(const CheckedPair& checked) {
+  const itof::CameraModel& aux = checked.tables.Context().auxModel;
   double radius = 0;
   for (const uint16_t code : kCompareDepths) {
-    for (const cv::Point& pixel : judged.pixels) {
-      const PixelTrace trace = judged.tables.Trace(pixel.x, pixel.y, code);
+    for (const cv::Point& pixel : checked.pixels) {
+      const PixelTrace trace = checked.tables.Trace(pixel.x, pixel.y, code);
       if (trace.fate != Fate::kLanded) continue;
       radius = std::max(radius, std::hypot((trace.ideal.x - aux.cx) * aux.invFx, (trace.ideal.y - aux.cy) * aux.invFy));
     }
@@ -43,7 +43,7 @@ double AuxRadius(const JudgedPair& judged) {
 }
 
 /// False if the lens does not hold as far as it is used.
-bool JudgeReach(const char* name, const simulation::Camera& camera, std::optional<double> used, Findings& findings) {
+bool CheckReach(const char* name, const Camera& camera, std::optional<double> used, Findings& findings) {
   constexpr double kMargin = 1.1;
   const double reach = LensReach(camera.lens);
   if (used && reach >= kMargin * *used) return true;
@@ -52,7 +52,7 @@ bool JudgeReach(const char* name, const simulation::Camera& camera, std::optiona
       "terms fold the picture.",
       name);
   if (std::isfinite(reach)) {
-    const double circle = std::abs(simulation::Distort(camera.lens, {reach, 0}).x * camera.fx);
+    const double circle = std::abs(Distort(camera.lens, {reach, 0}).x * camera.fx);
     text = Format(
                "The lens model of the %s camera holds up to %.1f degrees off its axis, %.0f pixels from the principal "
                "point; there it folds back, and ",
@@ -67,7 +67,7 @@ bool JudgeReach(const char* name, const simulation::Camera& camera, std::optiona
   return false;
 }
 
-void JudgeFieldOfView(const char* name, const simulation::Camera& camera, Findings& findings) {
+void CheckFieldOfView(const char* name, const Camera& camera, Findings& findings) {
   const double angle = MeasureFieldOfView(camera).horizontal;
   if (!(angle < 20 || angle > 130)) return;
   findings.push_back(
@@ -79,9 +79,9 @@ void JudgeFieldOfView(const char* name, const simulation::Camera& camera, Findin
        "See that the matrix is in pixels, and that the image size beside it is the one that it was made with."});
 }
 
-void JudgeTangential(const JudgedPair& judged, PickCamera pick, Findings& findings) {
+void CheckTangential(const CheckedPair& checked, PickCamera pick, Findings& findings) {
   constexpr double kLarge = 0.02, kNearZero = 0.01;
-  itof::CalibrationRecord reordered = judged.record;
+  itof::CalibrationRecord reordered = checked.record;
   const CameraFields camera = pick(reordered);
   const double p1 = camera.Coefficient(2), p2 = camera.Coefficient(3), k3 = camera.Coefficient(4);
   if (std::max(std::abs(p1), std::abs(p2)) <= kLarge || std::abs(k3) >= kNearZero) return;
@@ -92,20 +92,20 @@ void JudgeTangential(const JudgedPair& judged, PickCamera pick, Findings& findin
            "The %s lens has tangential coefficients p1 %.4g, p2 %.4g beside a k3 of %.4g. Real lenses are centred far "
            "better; in the order k1 k2 k3 p1 p2, k3 would be %.4g, p1 %.4g and p2 %.4g. ",
            camera.name, p1, p2, k3, p1, p2, k3) +
-           judged.Effect(reordered),
+           checked.Effect(reordered),
        "Write the coefficients in OpenCV's order: k1 k2 p1 p2 k3 k4 k5 k6."});
 }
 
 /// The library inverts the ToF lens by three rounds; some lenses would need more.
-void JudgeUndistortion(const JudgedPair& judged, Findings& findings) {
+void CheckUndistortion(const CheckedPair& checked, Findings& findings) {
   constexpr double kVisible = 0.5;  // pixels
-  const simulation::Camera& tof = judged.pair.tof;
-  std::vector<cv::Point2d> exact = Rays(tof, judged.pixels), library;
+  const Camera& tof = checked.pair.tof;
+  std::vector<cv::Point2d> exact = Rays(tof, checked.pixels), library;
   for (cv::Point2d& position : exact) position = {tof.cx + tof.fx * position.x, tof.cy + tof.fy * position.y};
-  for (const cv::Point& pixel : judged.pixels) {
-    library.push_back(judged.tables.Trace(pixel.x, pixel.y, 1000).undistorted);
+  for (const cv::Point& pixel : checked.pixels) {
+    library.push_back(checked.tables.Trace(pixel.x, pixel.y, 1000).undistorted);
   }
-  const Spread spread = MeasureSpread(judged.pixels, library, exact);
+  const Spread spread = MeasureSpread(checked.pixels, library, exact);
   if (spread.maximum <= kVisible) return;
   findings.push_back(
       {Severity::kWarning, "undistortion",
@@ -119,15 +119,15 @@ void JudgeUndistortion(const JudgedPair& judged, Findings& findings) {
 
 }  // namespace
 
-void JudgeLenses(const JudgedPair& judged, Findings& findings) {
-  const auto& [tof, aux, rotation, translation] = judged.pair;
-  const bool tofHolds = JudgeReach("ToF", tof, TofRadius(judged), findings);
-  JudgeReach("aux", aux, AuxRadius(judged), findings);
-  JudgeFieldOfView("ToF", tof, findings);
-  JudgeFieldOfView("aux", aux, findings);
-  JudgeTangential(judged, TofFields, findings);
-  JudgeTangential(judged, AuxFields, findings);
-  if (tofHolds) JudgeUndistortion(judged, findings);
+void CheckLenses(const CheckedPair& checked, Findings& findings) {
+  const auto& [tof, aux, rotation, translation] = checked.pair;
+  const bool tofHolds = CheckReach("ToF", tof, TofRadius(checked), findings);
+  CheckReach("aux", aux, AuxRadius(checked), findings);
+  CheckFieldOfView("ToF", tof, findings);
+  CheckFieldOfView("aux", aux, findings);
+  CheckTangential(checked, TofFields, findings);
+  CheckTangential(checked, AuxFields, findings);
+  if (tofHolds) CheckUndistortion(checked, findings);
 }
 
 }  // namespace itoftool

@@ -5,7 +5,7 @@
 #include "camera/imagepart.h"
 #include "check/camerafields.h"
 #include "check/checkedpair.h"
-#include "pixelwords.h"
+#include "framesize.h"
 #include "support/text.h"
 
 namespace itoftool {
@@ -14,8 +14,8 @@ namespace {
 constexpr double kFrameAspect = static_cast<double>(itof::kFrameWidth) / itof::kFrameHeight;
 
 /// True if the matrix is in shares of the image's sides.
-bool FindNormalised(const JudgedPair& judged, PickCamera pick, Findings& findings) {
-  itof::CalibrationRecord inPixels = judged.record;
+bool FindNormalised(const CheckedPair& checked, PickCamera pick, Findings& findings) {
+  itof::CalibrationRecord inPixels = checked.record;
   const CameraFields camera = pick(inPixels);
   const double fx = camera.Entry(0), cx = camera.Entry(2), fy = camera.Entry(4), cy = camera.Entry(5);
   const double width = camera.Width(), height = camera.Height();
@@ -30,7 +30,7 @@ bool FindNormalised(const JudgedPair& judged, PickCamera pick, Findings& finding
            "the picture is %.1f x %.1f focal lengths large; in pixels it would be fx %.1f, fy %.1f, cx %.1f, cy %.1f. ",
            camera.name, fx, fy, cx, cy, width / fx, height / fy, camera.Entry(0), camera.Entry(4), camera.Entry(2),
            camera.Entry(5)) +
-           judged.Effect(inPixels),
+           checked.Effect(inPixels),
        Format("Multiply fx and cx by %.0f, fy and cy by %.0f, and take half a pixel off cx and cy if their 0 is the "
               "image's edge.",
               width, height)});
@@ -38,9 +38,9 @@ bool FindNormalised(const JudgedPair& judged, PickCamera pick, Findings& finding
 }
 
 /// A matrix that is not [fx 0 cx; 0 fy cy; 0 0 1]. The far plane takes the whole matrix, the lens table its four numbers.
-void JudgeForm(const JudgedPair& judged, PickCamera pick, Findings& findings) {
+void CheckForm(const CheckedPair& checked, PickCamera pick, Findings& findings) {
   constexpr double kSkew = 1e-3;  // share of a focal length
-  itof::CalibrationRecord other = judged.record;
+  itof::CalibrationRecord other = checked.record;
   const CameraFields camera = pick(other);
   auto& m = camera.matrix;
   const bool skewed = std::max(std::abs(camera.Entry(1)), std::abs(camera.Entry(3))) > kSkew * camera.Entry(0);
@@ -57,7 +57,7 @@ void JudgeForm(const JudgedPair& judged, PickCamera pick, Findings& findings) {
   }
   for (const int i : {1, 3, 6, 7}) m[i] = 0;
   m[8] = 1;
-  text += (transposed ? "its transpose. " : "with those zeros and that one. ") + judged.Effect(other);
+  text += (transposed ? "its transpose. " : "with those zeros and that one. ") + checked.Effect(other);
   findings.push_back(
       {Severity::kWarning, "matrix-form", text,
        "Write the nine entries row by row. The alignment knows no skew: the far plane would have it, the "
@@ -65,9 +65,9 @@ void JudgeForm(const JudgedPair& judged, PickCamera pick, Findings& findings) {
 }
 
 /// Focal lengths against each other, and the image's sides against the frame's.
-void JudgeShape(const JudgedPair& judged, PickCamera pick, Findings& findings) {
+void CheckShape(const CheckedPair& checked, PickCamera pick, Findings& findings) {
   constexpr double kTolerance = 0.02;
-  itof::CalibrationRecord other = judged.record;
+  itof::CalibrationRecord other = checked.record;
   const CameraFields camera = pick(other);
   const double fx = camera.Entry(0), fy = camera.Entry(4), width = camera.Width(), height = camera.Height();
   const double ratio = fx / fy;                                       // in the calibration's image
@@ -87,7 +87,7 @@ void JudgeShape(const JudgedPair& judged, PickCamera pick, Findings& findings) {
              "that whole image into 640 x 360, each axis by itself. If the frame really is the image's middle, %.0f x "
              "%.0f pixels from (%.0f, %.0f) on, every pixel is read wrong. ",
              camera.name, width, height, crop.width, crop.height, crop.left, crop.top) +
-             judged.Effect(other),
+             checked.Effect(other),
          "If the sensor delivers the whole image squashed, all is well. If it delivers a crop, write the matrix and "
          "the size of the crop; \"itof calibration import --tof-window\" does that for the ToF camera."});
     return;
@@ -100,13 +100,13 @@ void JudgeShape(const JudgedPair& judged, PickCamera pick, Findings& findings) {
            "both alike to 2 %%. The other reading is fy as fx is. ",
            camera.name, fx * itof::kFrameWidth / width, fy * itof::kFrameHeight / height,
            100 * std::abs(workingRatio - 1)) +
-           judged.Effect(other),
+           checked.Effect(other),
        "Look for a matrix and an image size that do not belong together, or for a sensor mode whose rows are binned."});
 }
 
-void JudgePrincipalPoint(const JudgedPair& judged, PickCamera pick, Findings& findings) {
+void CheckPrincipalPoint(const CheckedPair& checked, PickCamera pick, Findings& findings) {
   constexpr double kFar = 0.08;  // share of the image's side
-  itof::CalibrationRecord other = judged.record;
+  itof::CalibrationRecord other = checked.record;
   const CameraFields camera = pick(other);
   const double cx = camera.Entry(2), cy = camera.Entry(5), width = camera.Width(), height = camera.Height();
   const double right = cx - (width - 1) / 2, down = cy - (height - 1) / 2;
@@ -126,7 +126,7 @@ void JudgePrincipalPoint(const JudgedPair& judged, PickCamera pick, Findings& fi
                 " Either the image is a crop whose middle is not the lens' axis, and all is well; or the matrix is of "
                 "another image, whose middle this would be: one of about %.0f x %.0f pixels, which has %s shape. ",
                 image.width, image.height, alike ? "the same" : "another") +
-            judged.Effect(other);
+            checked.Effect(other);
   }
   findings.push_back({Severity::kWarning, "principal-point", text,
                       "For a crop, make sure that cx and cy count from the crop's own corner. Else write the size of "
@@ -135,16 +135,16 @@ void JudgePrincipalPoint(const JudgedPair& judged, PickCamera pick, Findings& fi
 
 }  // namespace
 
-bool JudgeMatrices(const JudgedPair& judged, Findings& findings) {
+bool CheckMatrices(const CheckedPair& checked, Findings& findings) {
   bool inPixels = true;
   for (const PickCamera pick : {TofFields, AuxFields}) {
-    if (FindNormalised(judged, pick, findings)) {
+    if (FindNormalised(checked, pick, findings)) {
       inPixels = false;
       continue;
     }
-    JudgeForm(judged, pick, findings);
-    JudgeShape(judged, pick, findings);
-    JudgePrincipalPoint(judged, pick, findings);
+    CheckForm(checked, pick, findings);
+    CheckShape(checked, pick, findings);
+    CheckPrincipalPoint(checked, pick, findings);
   }
   return inPixels;
 }

@@ -17,6 +17,7 @@
 #include "files/files.h"
 #include "files/frames.h"
 #include "files/pictures.h"
+#include "framesize.h"
 #include "inspection/pixeltrace.h"
 #include "pixelwords.h"
 #include "report/alignmentjson.h"
@@ -157,7 +158,7 @@ void RunAlign(const AlignOptions& options) {
   const float ratio = static_cast<float>(options.ratio);
 
   StagedOutput output(options.output);
-  const Aligner aligner(options.calibration, ratio, options.log);
+  const Aligner aligner(calibration.record, ratio, options.log);
   std::optional<RunTables> tables;
   if (options.report) tables.emplace(calibration.record, ratio);
   std::vector<FrameReport> reports;

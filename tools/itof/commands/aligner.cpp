@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <optional>
+#include <stdexcept>
 #include <string>
 
 #include "calibration/calibrationrecord.h"
@@ -16,16 +17,13 @@
 
 namespace itoftool {
 
-Aligner::Aligner(const std::filesystem::path& calibration, float ratio, bool showLines)
+Aligner::Aligner(const itof::CalibrationRecord& calibration, float ratio, bool showLines)
     : ratio_(ratio), showLines_(showLines) {
   constexpr uint64_t kLibraryLines = uint64_t{1} << 18;
   g_enableOrvxLogs = showLines ? g_enableOrvxLogs | kLibraryLines : 0;
-  ZerunHost::RedirectPath(itof::kCalibrationPath, calibration);
-  const int32_t result = itof_init();
-  ZerunHost::RedirectPath(itof::kCalibrationPath, "");
-  if (result == ITOF_OK) return;
-  // The file was in order when it was checked, so it has changed since.
-  throw DataError(calibration.string() + ": refused by itof_init with result " + std::to_string(result));
+  const std::string bytes(reinterpret_cast<const char*>(&calibration), sizeof calibration);
+  const ZerunHost::ServedFile file(itof::kCalibrationPath, bytes);
+  if (itof_init() != ITOF_OK) throw std::logic_error("itof_init refuses a calibration that was checked");
 }
 
 Aligner::~Aligner() { itof_deinit(); }

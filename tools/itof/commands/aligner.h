@@ -3,8 +3,9 @@
 #define ITOF_TOOL_COMMANDS_ALIGNER_H_
 
 #include <cstdint>
-#include <filesystem>
 #include <vector>
+
+#include "calibration/calibrationrecord.h"
 
 namespace itoftool {
 
@@ -12,8 +13,8 @@ namespace itoftool {
 /// time. The lines that the library prints and logs are let through or kept back, as `showLines` says.
 class Aligner {
  public:
-  /// Throws DataError if the library refuses the calibration.
-  Aligner(const std::filesystem::path& calibration, float ratio, bool showLines);
+  /// `calibration` must be one that FirstCalibrationFault accepts. Throws std::bad_alloc.
+  Aligner(const itof::CalibrationRecord& calibration, float ratio, bool showLines);
   ~Aligner();
   Aligner(const Aligner&) = delete;
   Aligner& operator=(const Aligner&) = delete;

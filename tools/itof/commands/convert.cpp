@@ -9,11 +9,11 @@
 #include <string>
 #include <vector>
 
+#include "camera/rotation.h"
 #include "check/findings.h"
 #include "commands/commands.h"
 #include "files/calibrationfile.h"
 #include "files/files.h"
-#include "inspection/camerapair.h"
 #include "stereo/file.h"
 #include "stereo/keys.h"
 #include "stereo/record.h"

@@ -7,9 +7,9 @@
 #include "commands/commands.h"
 #include "commands/ratio.h"
 #include "files/calibrationfile.h"
+#include "framesize.h"
 #include "inspection/camerapair.h"
 #include "inspection/pixeltrace.h"
-#include "pixelwords.h"
 #include "support/errors.h"
 #include "support/text.h"
 

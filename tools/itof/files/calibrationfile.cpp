@@ -4,13 +4,13 @@
 
 #include <openssl/evp.h>
 
-#include <cstdio>
 #include <span>
 #include <vector>
 
 #include "calibration/calibrationcheck.h"
 #include "files/files.h"
 #include "support/errors.h"
+#include "support/text.h"
 
 namespace itoftool {
 namespace {
@@ -32,22 +32,15 @@ std::string Sha256(std::span<const uint8_t> bytes) {
 }  // namespace
 
 CalibrationFile ReadCalibrationFile(const std::filesystem::path& path) {
-  // The library reads the file again, which a pipe would not stand.
-  std::error_code missing;
-  if (const auto status = std::filesystem::status(path, missing); exists(status) && !is_regular_file(status)) {
-    throw DataError(path.string() + ": is no regular file");
-  }
   const std::vector<uint8_t> bytes = ReadFile(path);
   if (bytes.size() < itof::kCalibrationRecordSize) {
     throw DataError(path.string() + ": holds " + std::to_string(bytes.size()) + " bytes; a calibration has " +
                     std::to_string(itof::kCalibrationRecordSize));
   }
   const itof::CalibrationRecord record = itof::DecodeCalibrationRecord(bytes.data());
-  if (const auto fault = itof::FindCalibrationFault(record)) {
-    char value[32];
-    std::snprintf(value, sizeof value, "%.9g", static_cast<double>(fault->value));
-    throw DataError(path.string() + ": " + fault->field + " at byte " + std::to_string(fault->offset) + ": " + value +
-                    " " + fault->cause);
+  if (const auto fault = itof::FirstCalibrationFault(record)) {
+    Fail(path, Format("%s at byte %zu: %.9g %s", itof::EntryName(*fault->field, fault->index).c_str(),
+                      itof::EntryOffset(*fault->field, fault->index), static_cast<double>(fault->value), fault->cause));
   }
   return {path, record, Sha256(std::span(bytes).first(itof::kCalibrationRecordSize))};
 }

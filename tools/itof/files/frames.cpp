@@ -8,6 +8,7 @@
 
 #include "files/files.h"
 #include "files/pictures.h"
+#include "framesize.h"
 #include "pixelwords.h"
 #include "support/errors.h"
 

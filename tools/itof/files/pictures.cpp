@@ -11,7 +11,7 @@
 #include <string>
 
 #include "files/files.h"
-#include "pixelwords.h"
+#include "framesize.h"
 #include "support/errors.h"
 #include "support/silence.h"
 

@@ -7,33 +7,20 @@
 #include <numbers>
 #include <opencv2/calib3d.hpp>
 
+#include "camera/rotation.h"
+#include "framesize.h"
 #include "inspection/workingcontext.h"
-#include "pixelwords.h"
 
 namespace itoftool {
 namespace {
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
-/// Whether the radial model is sound at a radius: the denominator is well above zero, and the distorted radius grows.
-bool Holds(const simulation::Lens& lens, double radius) {
-  constexpr double kNearZero = 0.01;
-  const double r2 = radius * radius;
-  const double numerator = 1 + r2 * (lens.k1 + r2 * (lens.k2 + r2 * lens.k3));
-  const double denominator = 1 + r2 * (lens.k4 + r2 * (lens.k5 + r2 * lens.k6));
-  const double numeratorSlope = lens.k1 + r2 * (2 * lens.k2 + r2 * 3 * lens.k3);  // by r2
-  const double denominatorSlope = lens.k4 + r2 * (2 * lens.k5 + r2 * 3 * lens.k6);
-  // The derivative of r * numerator / denominator, times the denominator's square.
-  const double growth =
-      numerator * denominator + 2 * r2 * (numeratorSlope * denominator - numerator * denominatorSlope);
-  return denominator > kNearZero && growth > 0;
-}
-
 cv::Vec3d Direction(cv::Point2d ray) { return {ray.x, ray.y, 1}; }
 
 }  // namespace
 
-simulation::Camera MakeCamera(const itof::CameraModel& model) {
+Camera MakeCamera(const itof::CameraModel& model) {
   const auto& [k1, k2, k3, k4, k5, k6, p1, p2, cx, cy, fx, fy, invFx, invFy] = model;
   return {.fx = fx, .fy = fy, .cx = cx, .cy = cy, .lens = {k1, k2, k3, k4, k5, k6, p1, p2}};
 }
@@ -64,18 +51,17 @@ std::vector<cv::Point> NinePixels() {
   return pixels;
 }
 
-std::vector<cv::Point2d> Rays(const simulation::Camera& camera, std::span<const cv::Point2d> pixels) {
+std::vector<cv::Point2d> Rays(const Camera& camera, std::span<const cv::Point2d> pixels) {
   std::vector<cv::Point2d> rays;
   rays.reserve(pixels.size());
   for (const cv::Point2d& pixel : pixels) {
-    const auto ray =
-        simulation::Undistort(camera.lens, {(pixel.x - camera.cx) / camera.fx, (pixel.y - camera.cy) / camera.fy});
+    const auto ray = Undistort(camera.lens, {(pixel.x - camera.cx) / camera.fx, (pixel.y - camera.cy) / camera.fy});
     rays.push_back(ray ? cv::Point2d(ray->x, ray->y) : cv::Point2d(kNan, kNan));
   }
   return rays;
 }
 
-std::vector<cv::Point2d> Rays(const simulation::Camera& camera, std::span<const cv::Point> pixels) {
+std::vector<cv::Point2d> Rays(const Camera& camera, std::span<const cv::Point> pixels) {
   return Rays(camera, std::vector<cv::Point2d>(pixels.begin(), pixels.end()));
 }
 
@@ -100,39 +86,11 @@ std::vector<cv::Point2d> AuxPositions(const CameraPair& pair, std::span<const cv
   return positions;
 }
 
-double LensReach(const simulation::Lens& lens) {
-  constexpr int kSteps = 8900;
-  const auto radius = [](int step) { return std::tan(step * (std::numbers::pi / 180 / 100)); };
-  int step = 1;
-  while (step <= kSteps && Holds(lens, radius(step))) ++step;
-  if (step > kSteps) return std::numeric_limits<double>::infinity();
-  double low = radius(step - 1), high = radius(step);
-  for (int round = 0; round < 40; ++round) {
-    const double middle = (low + high) / 2;
-    (Holds(lens, middle) ? low : high) = middle;
-  }
-  return low;
-}
-
 bool InFrame(cv::Point2d position) {
   return position.x >= 0 && position.x < itof::kFrameWidth && position.y >= 0 && position.y < itof::kFrameHeight;
 }
 
-double Angle(const cv::Vec3d& a, const cv::Vec3d& b) {
-  return std::atan2(cv::norm(a.cross(b)), a.dot(b)) * (180 / std::numbers::pi);
-}
-
-double OrthonormalityError(const cv::Matx33d& matrix) {
-  return cv::norm(matrix * matrix.t() - cv::Matx33d::eye(), cv::NORM_INF);
-}
-
-double RotationAngle(const cv::Matx33d& r) {
-  // From the skew part, too, since the trace alone hardly tells small angles.
-  const double twiceSine = std::hypot(r(2, 1) - r(1, 2), r(0, 2) - r(2, 0), r(1, 0) - r(0, 1));
-  return std::atan2(twiceSine, cv::trace(r) - 1) * (180 / std::numbers::pi);
-}
-
-FieldOfView MeasureFieldOfView(const simulation::Camera& camera) {
+FieldOfView MeasureFieldOfView(const Camera& camera) {
   constexpr double kLeft = -0.5, kRight = itof::kFrameWidth - 0.5, kTop = -0.5, kBottom = itof::kFrameHeight - 0.5;
   constexpr double kMiddleX = (kLeft + kRight) / 2, kMiddleY = (kTop + kBottom) / 2;
   const auto span = [&](cv::Point2d from, cv::Point2d to) {

@@ -12,12 +12,12 @@
 
 namespace itoftool {
 
-simulation::Camera MakeCamera(const itof::CameraModel& model);
+Camera MakeCamera(const itof::CameraModel& model);
 
 /// Both cameras as the alignment has them at 640 x 360. A point X of the ToF camera's frame lies at rotation * X +
 /// translation in the aux camera's; lengths in depth codes.
 struct CameraPair {
-  simulation::Camera tof, aux;
+  Camera tof, aux;
   cv::Matx33d rotation;
   cv::Vec3d translation;
 };
@@ -32,37 +32,23 @@ std::vector<cv::Point> NinePixels();
 
 /// The rays, as positions on the plane z = 1 of the camera's frame, along which a camera sees pixels; not-a-number where
 /// its lens has no ray for the pixel.
-std::vector<cv::Point2d> Rays(const simulation::Camera& camera, std::span<const cv::Point2d> pixels);
-std::vector<cv::Point2d> Rays(const simulation::Camera& camera, std::span<const cv::Point> pixels);
+std::vector<cv::Point2d> Rays(const Camera& camera, std::span<const cv::Point2d> pixels);
+std::vector<cv::Point2d> Rays(const Camera& camera, std::span<const cv::Point> pixels);
 
 /// Where the aux camera sees points on rays of the ToF camera, at a depth along that camera's axis: positions in its
 /// picture, integers at the centres of pixels, by OpenCV's projectPoints. Not-a-number for points that are not in front
 /// of it, or so far off its axis that its lens model does not hold.
 std::vector<cv::Point2d> AuxPositions(const CameraPair& pair, std::span<const cv::Point2d> tofRays, double depth);
 
-/// How far off the axis, as a radius on the plane z = 1, a lens model holds: from there on its denominator is near zero,
-/// or the distorted radius no longer grows. Infinite if it holds up to 89 degrees. Tangential terms are left out.
-double LensReach(const simulation::Lens& lens);
-
 /// Whether a position of an aux picture lies in a cell of the aligned frame.
 bool InFrame(cv::Point2d position);
-
-/// Degrees between two rays.
-double Angle(const cv::Vec3d& a, const cv::Vec3d& b);
-
-/// How far a matrix is from a rotation or a mirror: the largest entry of R times its transpose less the identity.
-double OrthonormalityError(const cv::Matx33d& matrix);
-inline constexpr double kOrthonormal = 1e-3;  // up to this error it counts as one
-
-/// The angle in degrees by which a rotation turns, 0 to 180.
-double RotationAngle(const cv::Matx33d& rotation);
 
 /// The field of view in degrees, lens included, from edge to edge of the picture through its middle; not-a-number where
 /// the lens has no ray for an edge.
 struct FieldOfView {
   double horizontal, vertical, diagonal;
 };
-FieldOfView MeasureFieldOfView(const simulation::Camera& camera);
+FieldOfView MeasureFieldOfView(const Camera& camera);
 
 }  // namespace itoftool
 

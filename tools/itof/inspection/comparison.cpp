@@ -36,12 +36,11 @@ Spread MeasureSpread(std::span<const cv::Point> pixels, std::span<const cv::Poin
 }
 
 std::vector<cv::Point2d> AlignedPositions(const RunTables& tables, std::span<const cv::Point> pixels, uint16_t code) {
-  const simulation::Camera aux = MakeCamera(tables.Context().auxModel);
+  const Camera aux = MakeCamera(tables.Context().auxModel);
   std::vector<cv::Point2d> positions;
   for (const cv::Point& pixel : pixels) {
     const PixelTrace trace = tables.Trace(pixel.x, pixel.y, code);
-    const auto [x, y] =
-        simulation::Project(aux, {(trace.ideal.x - aux.cx) / aux.fx, (trace.ideal.y - aux.cy) / aux.fy, 1});
+    const auto [x, y] = Project(aux, {(trace.ideal.x - aux.cx) / aux.fx, (trace.ideal.y - aux.cy) / aux.fy, 1});
     const cv::Point2d position(x, y);
     positions.push_back(trace.fate == Fate::kLanded ? position : kNowhere);
   }

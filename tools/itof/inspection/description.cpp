@@ -1,27 +1,20 @@
 // The numbers are gathered once, as JSON, and the text for people is made from them, so that both say the same.
 #include "inspection/description.h"
 
-#include <bit>
 #include <cmath>
-#include <cstring>
 #include <numbers>
 
+#include "camera/rotation.h"
+#include "framesize.h"
 #include "inspection/camerapair.h"
 #include "inspection/comparison.h"
 #include "inspection/pixeltrace.h"
-#include "pixelwords.h"
 #include "support/text.h"
 
 namespace itoftool {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-uint32_t WordAt(const itof::CalibrationRecord& record, size_t offset) {
-  uint32_t word;
-  std::memcpy(&word, reinterpret_cast<const std::byte*>(&record) + offset, sizeof word);
-  return word;
-}
 
 Json Number(double value) { return std::isfinite(value) ? Json(value) : Json(nullptr); }
 
@@ -48,7 +41,7 @@ Json Matrix(const Entry (&matrix)[9]) {
 }
 
 Json DescribeCamera(int32_t width, int32_t height, const float (&matrix)[9], const double (&workingMatrix)[9],
-                    const simulation::Camera& camera) {
+                    const Camera& camera) {
   const FieldOfView view = MeasureFieldOfView(camera);
   return {{"calibration_image", {width, height}},
           {"matrix", Matrix(matrix)},
@@ -102,17 +95,14 @@ Json DescribeApproximation(const CameraPair& pair, const RunTables& tables) {
 
 Json DescribeFields(const itof::CalibrationRecord& record) {
   Json fields = Json::array();
-  for (const itof::CalibrationField& field : itof::kCalibrationFields) {
-    for (size_t index = 0; index < field.count; ++index) {
-      const size_t offset = field.offset + 4 * index;
-      const bool isNumber = field.kind != itof::FieldKind::kUnused;
-      const auto value = static_cast<double>(std::bit_cast<float>(WordAt(record, offset)));
-      fields.push_back({{"byte", offset},
-                        {"name", itof::EntryName(field, index)},
-                        {"value", isNumber ? Number(value) : Json(EntryText(record, field, index))},
-                        {"unit", EntryUnit(field, index)}});
-    }
-  }
+  itof::ForEachEntry([&](const itof::CalibrationField& field, size_t index) {
+    const bool isNumber = field.kind != itof::FieldKind::kUnused;
+    const auto value = static_cast<double>(EntryValue(record, field, index));
+    fields.push_back({{"byte", itof::EntryOffset(field, index)},
+                      {"name", itof::EntryName(field, index)},
+                      {"value", isNumber ? Number(value) : Json(EntryText(record, field, index))},
+                      {"unit", EntryUnit(field, index)}});
+  });
   return fields;
 }
 
@@ -163,9 +153,8 @@ std::string EntryUnit(const itof::CalibrationField& field, size_t index) {
 }
 
 std::string EntryText(const itof::CalibrationRecord& record, const itof::CalibrationField& field, size_t index) {
-  const uint32_t word = WordAt(record, field.offset + 4 * index);
-  if (field.kind == itof::FieldKind::kUnused) return Format("%08x", word);
-  return Format("%.9g", static_cast<double>(std::bit_cast<float>(word)));
+  if (field.kind == itof::FieldKind::kUnused) return Format("%08x", EntryBits(record, field, index));
+  return Format("%.9g", static_cast<double>(EntryValue(record, field, index)));
 }
 
 Json DescribeCalibration(const itof::CalibrationRecord& record) {

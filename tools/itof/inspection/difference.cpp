@@ -16,14 +16,12 @@ namespace {
 /// The rows of the table of fields that differ.
 std::string DifferingFields(const itof::CalibrationRecord& a, const itof::CalibrationRecord& b) {
   std::string rows;
-  for (const itof::CalibrationField& field : itof::kCalibrationFields) {
-    for (size_t index = 0; index < field.count; ++index) {
-      const std::string valueA = EntryText(a, field, index), valueB = EntryText(b, field, index);
-      if (valueA == valueB) continue;
-      rows += Format("  %-18s  %-16s  %-16s  %s\n", itof::EntryName(field, index).c_str(), valueA.c_str(),
-                     valueB.c_str(), EntryUnit(field, index).c_str());
-    }
-  }
+  itof::ForEachEntry([&](const itof::CalibrationField& field, size_t index) {
+    const std::string valueA = EntryText(a, field, index), valueB = EntryText(b, field, index);
+    if (valueA == valueB) return;
+    rows += Format("  %-18s  %-16s  %-16s  %s\n", itof::EntryName(field, index).c_str(), valueA.c_str(), valueB.c_str(),
+                   EntryUnit(field, index).c_str());
+  });
   return rows;
 }
 

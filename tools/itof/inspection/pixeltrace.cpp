@@ -7,8 +7,10 @@
 
 #include "alignment/distortlut.h"
 #include "alignment/farplane.h"
+#include "alignment/grid.h"
 #include "alignment/idealcells.h"
 #include "alignment/targettable.h"
+#include "framesize.h"
 #include "inspection/workingcontext.h"
 #include "integerpart.h"
 #include "pixelwords.h"

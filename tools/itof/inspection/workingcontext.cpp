@@ -2,17 +2,12 @@
 #include "inspection/workingcontext.h"
 
 #include "calibration/alignmentparams.h"
-#include "pixelwords.h"
 
 namespace itoftool {
 
 itof::AlignmentContext MakeWorkingContext(const itof::CalibrationRecord& record) {
-  itof::AlignmentParams params{};
-  params.tofWidth = params.auxWidth = itof::kFrameWidth;
-  params.tofHeight = params.auxHeight = itof::kFrameHeight;
-  itof::FillAlignmentParams(record, params);
   itof::AlignmentContext context{};
-  itof::InitAlignmentContext(context, params, 1);
+  itof::InitAlignmentContext(context, itof::WorkingParams(record), 1);
   return context;
 }
 

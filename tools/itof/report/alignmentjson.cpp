@@ -4,8 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "framesize.h"
 #include "inspection/workingcontext.h"
-#include "pixelwords.h"
 
 namespace itoftool {
 namespace {

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "pixelwords.h"
+#include "framesize.h"
 #include "report/drawing.h"
 
 namespace itoftool {

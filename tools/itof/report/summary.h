@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "report/alignmentjson.h"
+#include "report/framereport.h"
 
 namespace itoftool {
 

@@ -9,6 +9,7 @@
 #include "alignment/distortlut.h"
 #include "alignment/farplane.h"
 #include "calibration/alignmentparams.h"
+#include "framesize.h"
 #include "pixelwords.h"
 #include "selftest/digest.h"
 
@@ -111,10 +112,8 @@ uint32_t DigestOf(const T* values, size_t count) {
 }
 
 CaseDigests RunCase(const Steps& steps, const CaseName& name, const std::vector<uint16_t>& frame) {
-  itof::AlignmentParams params{};
-  params.tofWidth = params.auxWidth = itof::kFrameWidth;
-  params.tofHeight = params.auxHeight = itof::kFrameHeight;
-  itof::FillAlignmentParams(MakeRecord(*std::ranges::find(kPairs, name.pair, &Pair::name)), params);
+  const itof::AlignmentParams params =
+      itof::WorkingParams(MakeRecord(*std::ranges::find(kPairs, name.pair, &Pair::name)));
   itof::AlignmentContext context{};
   steps.initContext(context, params, name.distortion);
 

@@ -10,7 +10,7 @@
 #include <opencv2/calib3d.hpp>
 #include <string>
 
-#include "inspection/camerapair.h"
+#include "camera/rotation.h"
 #include "support/text.h"
 
 namespace itoftool {

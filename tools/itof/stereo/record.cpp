@@ -6,7 +6,6 @@
 #include <cfloat>
 #include <cmath>
 #include <cstddef>
-#include <cstring>
 #include <opencv2/calib3d.hpp>
 #include <opencv2/core.hpp>
 #include <vector>
@@ -14,31 +13,28 @@
 #include "calibration/calibrationcheck.h"
 #include "camera/imagepart.h"
 #include "camera/lens.h"
-#include "pixelwords.h"
+#include "framesize.h"
 #include "support/errors.h"
 #include "support/text.h"
 
 namespace itoftool {
 namespace {
 
-/// Where a quantity's numbers are in the record, as floats one after the other.
+/// The field that holds the numbers of a quantity from number `first` on.
 struct Slot {
   Quantity& quantity;
-  size_t offset;  // in bytes
-  size_t count;
+  size_t first;
+  const itof::CalibrationField& field;
 };
 
 std::vector<Slot> Slots(StereoPair& pair) {
-  using itof::CalibrationRecord;
-  return {{pair.tof.size, offsetof(CalibrationRecord, tofCalibWidth), 2},
-          {pair.tof.matrix, offsetof(CalibrationRecord, tofIntrinsics), 9},
-          {pair.rotation, offsetof(CalibrationRecord, rotation), 9},
-          {pair.translation, offsetof(CalibrationRecord, translation), 3},
-          {pair.aux.size, offsetof(CalibrationRecord, auxCalibWidth), 2},
-          {pair.aux.matrix, offsetof(CalibrationRecord, auxIntrinsics), 9},
-          {pair.tof.distortion, offsetof(CalibrationRecord, tofDistortion), kFileCoefficients},
-          {pair.aux.distortion, offsetof(CalibrationRecord, auxDistortion), kFileCoefficients},
-          {pair.auxFlRatio, offsetof(CalibrationRecord, aux_fl_ratio), 1}};
+  using itof::FieldNamed;
+  return {{pair.tof.size, 0, FieldNamed("tofCalibWidth")},       {pair.tof.size, 1, FieldNamed("tofCalibHeight")},
+          {pair.tof.matrix, 0, FieldNamed("tofIntrinsics")},     {pair.rotation, 0, FieldNamed("rotation")},
+          {pair.translation, 0, FieldNamed("translation")},      {pair.aux.size, 0, FieldNamed("auxCalibWidth")},
+          {pair.aux.size, 1, FieldNamed("auxCalibHeight")},      {pair.aux.matrix, 0, FieldNamed("auxIntrinsics")},
+          {pair.tof.distortion, 0, FieldNamed("tofDistortion")}, {pair.aux.distortion, 0, FieldNamed("auxDistortion")},
+          {pair.auxFlRatio, 0, FieldNamed("aux_fl_ratio")}};
 }
 
 std::string Text(const Window& window) {
@@ -74,15 +70,14 @@ Window NearestWindow(const Window& wanted, int width, int height) {
 std::optional<double> TailPixels(const StereoCamera& camera) {
   constexpr int kSteps = 32;
   const std::vector<double>& k = camera.distortion.values;
-  const simulation::Lens lens{
-      .k1 = k[0], .k2 = k[1], .k3 = k[4], .k4 = k[5], .k5 = k[6], .k6 = k[7], .p1 = k[2], .p2 = k[3]};
+  const Lens lens{.k1 = k[0], .k2 = k[1], .k3 = k[4], .k4 = k[5], .k5 = k[6], .k6 = k[7], .p1 = k[2], .p2 = k[3]};
   const std::vector<double>& m = camera.matrix.values;
   std::vector<cv::Point3d> rays;
   for (int row = 0; row <= kSteps; ++row) {
     for (int column = 0; column <= kSteps; ++column) {
       const double x = (camera.size.values[0] - 1) * column / kSteps;
       const double y = (camera.size.values[1] - 1) * row / kSteps;
-      const auto ideal = simulation::Undistort(lens, {(x - m[2]) / m[0], (y - m[5]) / m[4]});
+      const auto ideal = Undistort(lens, {(x - m[2]) / m[0], (y - m[5]) / m[4]});
       if (ideal) rays.emplace_back(ideal->x, ideal->y, 1);
     }
   }
@@ -144,35 +139,29 @@ itof::CalibrationRecord RecordOf(StereoPair pair, const std::optional<Window>& w
   ApplyTofWindow(pair.tof, window);
   if (pair.auxFlRatio.values.empty()) pair.auxFlRatio.values = {1};
   itof::CalibrationRecord record{};
-  auto* bytes = reinterpret_cast<std::byte*>(&record);
   const std::vector<Slot> slots = Slots(pair);
-  for (const Slot& slot : slots) {
-    for (size_t i = 0; i < slot.count; ++i) {
-      const double value = slot.quantity.values[i];
+  for (const auto& [quantity, first, field] : slots) {
+    for (size_t i = 0; i < field.count; ++i) {
+      const double value = quantity.values[first + i];
       if (std::abs(value) > static_cast<double>(FLT_MAX)) {
-        Fail(slot.quantity, Format("%.9g", value) + " does not fit single precision");
+        Fail(quantity, Format("%.9g", value) + " does not fit single precision");
       }
-      const auto single = static_cast<float>(value);
-      std::memcpy(bytes + slot.offset + i * sizeof single, &single, sizeof single);
+      SetEntry(record, field, i, static_cast<float>(value));
     }
   }
-  if (const auto fault = itof::FindCalibrationFault(record)) {
-    const auto slot = std::ranges::find_if(slots, [&](const Slot& candidate) {
-      return fault->offset < candidate.offset + candidate.count * sizeof(float) && fault->offset >= candidate.offset;
-    });
-    Fail(slot->quantity, fault->field + ": " + Format("%.9g", static_cast<double>(fault->value)) + " " + fault->cause);
+  if (const auto fault = itof::FirstCalibrationFault(record)) {
+    const auto slot = std::ranges::find(slots, fault->field, [](const Slot& candidate) { return &candidate.field; });
+    Fail(slot->quantity, Format("%s: %.9g %s", itof::EntryName(*fault->field, fault->index).c_str(),
+                                static_cast<double>(fault->value), fault->cause));
   }
   return record;
 }
 
 StereoPair PairOf(const itof::CalibrationRecord& record) {
   StereoPair pair;
-  const auto* bytes = reinterpret_cast<const std::byte*>(&record);
-  for (const Slot& slot : Slots(pair)) {
-    for (size_t i = 0; i < slot.count; ++i) {
-      float single;
-      std::memcpy(&single, bytes + slot.offset + i * sizeof single, sizeof single);
-      slot.quantity.values.push_back(static_cast<double>(single));
+  for (const auto& [quantity, first, field] : Slots(pair)) {
+    for (size_t i = 0; i < field.count; ++i) {
+      quantity.values.push_back(static_cast<double>(EntryValue(record, field, i)));
     }
   }
   if (!std::isfinite(pair.auxFlRatio.values[0])) pair.auxFlRatio.values.clear();
