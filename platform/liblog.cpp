@@ -1,4 +1,4 @@
-// Stand-in for the device's liblog: lines go to standard error in the form that `logcat -v threadtime` prints.
+// Stands in for the device's liblog: writes lines to standard error in the format of `logcat -v threadtime`.
 #include <android/log.h>
 #include <unistd.h>
 
@@ -32,7 +32,7 @@ extern "C" int __android_log_print(int priority, const char* tag, const char* fo
   va_start(arguments, format);
   std::string message = Format(format, arguments);
   va_end(arguments);
-  // The system log keeps lines apart by itself; a message's own line end would print an empty line here.
+  // The system log separates lines itself, so drop the message's own line end.
   while (!message.empty() && message.back() == '\n') message.pop_back();
 
   timespec now{};

@@ -1,5 +1,5 @@
-// Stand-in for the device's liborvolog: lines go to standard error. Both gates are closed unless the environment opens
-// them: ORVO_ENABLE_LOGS holds the mask, ORVO_ENABLE_SYSTEM_LOG the switch of the Android copy.
+// Stands in for the device's liborvolog: writes lines to standard error. Both gates are closed unless environment
+// variables open them: ORVO_ENABLE_LOGS holds the mask, ORVO_ENABLE_SYSTEM_LOG the switch of the Android copy.
 #include <orvolog/orvolog.h>
 
 #include <cerrno>
@@ -10,8 +10,8 @@
 
 namespace {
 
-/// The number that an environment variable holds, in C notation (0x40000 and 262144 alike); 0 if it is not set, and
-/// also, with a line on standard error, if it is no number up to `maximum`.
+/// The number in an environment variable, in C notation (0x40000 or 262144). 0 if the variable is not set. Prints a
+/// line to standard error and returns 0 if it does not hold a number from 0 to `maximum`.
 uint64_t NumberFromEnvironment(const char* name, uint64_t maximum) {
   const char* text = std::getenv(name);
   if (text == nullptr || *text == '\0') return 0;
@@ -19,7 +19,7 @@ uint64_t NumberFromEnvironment(const char* name, uint64_t maximum) {
   errno = 0;
   const uint64_t value = std::strtoull(text, &end, 0);
   if (errno != 0 || *end != '\0' || *text == '-' || value > maximum) {
-    std::fprintf(stderr, "%s: \"%s\" is no number from 0 to %llu; 0 is used\n", name, text,
+    std::fprintf(stderr, "%s: \"%s\" is not a number from 0 to %llu; using 0\n", name, text,
                  static_cast<unsigned long long>(maximum));
     return 0;
   }
@@ -34,7 +34,7 @@ int g_enableSystemLog =
 
 void OrvoLog::LogSystem(const char* level, const char* shortLevel, const char* group, const char* file,
                         const char* function, int line, const char* format, ...) {
-  // One lock over the line's pieces, so that lines of several threads do not mix.
+  // One lock for the whole line keeps lines of several threads apart.
   flockfile(stderr);
   std::fprintf(stderr, "%s %s%s %s:%d %s() ", shortLevel, level, group, file, line, function);
   va_list arguments;

@@ -1,5 +1,5 @@
-// Stand-in for the device's libzeruncommonutils: a monotonic clock, and files of the C library. The host decides which
-// files or bytes stand for the device's paths.
+// Stands in for the device's libzeruncommonutils: a monotonic clock, and files of the C library. A host program can
+// serve the bytes of a file, or put device paths under another root.
 #include <zerun/hostfiles.h>
 #include <zerun/osutils.h>
 
@@ -15,7 +15,7 @@ struct Served {
   std::string bytes;
 };
 
-/// The file that is served from memory; its path is empty if there is none.
+/// The file served from memory; without one, its path is empty.
 Served& TheServedFile() {
   static Served served;
   return served;

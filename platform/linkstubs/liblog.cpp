@@ -1,4 +1,4 @@
-// The device's liblog as the linker sees it. The NDK has a stub of its own, which this one equals in what is used.
+// Stands in for the device's liblog at link time. The NDK has its own stub with the same function.
 #include <android/log.h>
 
 extern "C" int __android_log_print(int, const char*, const char*, ...) { return 0; }

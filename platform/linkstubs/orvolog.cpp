@@ -1,4 +1,4 @@
-// The device's liborvolog as the linker sees it.
+// Stands in for the device's liborvolog at link time.
 #include <orvolog/orvolog.h>
 
 uint64_t g_enableOrvxLogs = 0;

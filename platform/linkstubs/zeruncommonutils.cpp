@@ -1,4 +1,4 @@
-// The device's libzeruncommonutils as the linker sees it.
+// Stands in for the device's libzeruncommonutils at link time.
 #include <zerun/osutils.h>
 
 void Zerun::OsUtils::GetTime(ZerunTime*) {}

@@ -1,4 +1,4 @@
-// The three exported functions, the library-wide state that they share, and the road of one frame.
+// Implements the three exported functions, their library-wide state, and the frame driver.
 #include "itofinterface.h"
 
 #include <algorithm>
@@ -32,8 +32,8 @@ struct LibraryContext {
   AlignmentContext context{};
 };
 
-/// The bytes behind the objects of one frame. Those objects come and go with each frame; fresh bytes for them would cost
-/// hundreds of page faults each time. Every word is written before it is read, in every frame.
+/// Memory for the buffers of a frame, kept between frames because fresh memory costs hundreds of page faults. Every
+/// frame writes each word before it reads it.
 struct FrameMemory {
   uint16_t working[kFrameWidth * kFrameHeight];
   uint16_t packed[kFrameWidth * kFrameHeight];
@@ -42,13 +42,13 @@ struct FrameMemory {
 
 AlignmentParams alignment_params;
 LibraryContext library_context;
-std::unique_ptr<FrameMemory> frame_memory;  // from the first frame until the library is unloaded
+std::unique_ptr<FrameMemory> frame_memory;  // allocated by the first frame
 bool init_done;
 int32_t tof_calib_width;
 float aux_fl_ratio;
 bool tables_prepared;
 
-/// Repacks every working word of one container into the other, of the same shape.
+/// Repacks the working words of one container as aligned words into the other, which has the same shape.
 void PackAlignedWords(const cv::Mat& working, cv::Mat& aligned) {
   for (int row = 0; row < working.rows; ++row) {
     const auto* __restrict from = working.ptr<uint16_t>(row);
@@ -120,8 +120,8 @@ int32_t itof_execute_algo(uint16_t* frame, float ratio) {
   ITOF_PERFORMANCE_LOG(341, "[Velmor_Perf] RunApproximateAlignment ! used time is %d ms",
                        MillisecondsBetween(stepStart, stepEnd));
 
-  // Three sizes agree here, or itof_init would have refused the calibration: the containers', the working buffer's and
-  // the caller's frame's.
+  // The containers, the working buffer and the caller's frame have the same size: itof_init refuses every calibration
+  // for which they would not.
   cv::Mat packed(kFrameHeight, tof_calib_width, CV_16U, frame_memory->packed);
   cv::Mat staging(kFrameHeight, tof_calib_width, CV_16U, frame_memory->staging);
   std::memcpy(staging.data, workingBuffer.data(), staging.total() * staging.elemSize());

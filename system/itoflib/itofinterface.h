@@ -1,38 +1,96 @@
 /*
- * Depth alignment for an indirect time-of-flight (ToF) camera: moves every pixel of a ToF depth frame to where a second
- * camera (aux) sees the same point.
+ * Aligns depth frames of an indirect time-of-flight (ToF) camera with the view of a second camera (aux): moves every
+ * depth pixel to where the aux camera sees the same point.
  *
- * The library holds one aligner per process, all of it in library-wide state; there are no handles. Call
+ * The library holds one aligner per process, in library-wide state. There are no handles. Call
  *
  *     itof_init()                       once, and again when the calibration file has changed
  *     itof_execute_algo(frame, ratio)   for each frame
- *     itof_deinit()                     when a run ends, so that the next frame starts a run with its own ratio
+ *     itof_deinit()                     to end a run; the next frame starts a new one
  *
- * Threads: none of its own, no locks. The host makes one call at a time, from any thread: never two frames at once, and
- * never itof_init or itof_deinit while a frame runs. Nor may the library be unloaded or the process exit while a call
- * runs, and no call may come after that has begun.
+ * A run is a series of frames that share one ratio. It starts with the first frame after itof_init or itof_deinit.
+ * That frame builds the tables of the run.
  *
- * Exceptions: a failed allocation leaves itof_init, or the first frame after the library was loaded, as a C++ exception
- * (std::bad_alloc). A host in C cannot catch it, and the process ends. Later frames allocate nothing.
+ * Threads: the library starts none and locks nothing. Make one call at a time, from any thread. Do not unload the
+ * library or exit the process while a call is running, and make no call after that has begun.
  *
- * Memory, until the library is unloaded or the process exits: 4,846,416 bytes from itof_init on (four maps of 640 x 360
- * floats, one byte per pixel, and a table of 642 x 362 32-bit integers), as much again while a repeated itof_init runs;
- * and 1,382,400 bytes from the first frame on, the three copies of the frame that are in work. These are written anew in
- * each frame before they are read, so that nothing of an earlier frame comes through. itof_deinit releases nothing.
+ * Exceptions: if an allocation fails, std::bad_alloc leaves itof_init, or the first frame after the library was
+ * loaded. A host written in C cannot catch it, and the process ends. Later frames allocate nothing.
+ *
+ * Memory: itof_init allocates 4,846,416 bytes (four maps of 640 x 360 floats, one byte per pixel, and a table of 642 x
+ * 362 32-bit integers). A repeated itof_init holds as much again while it runs. The first frame allocates another
+ * 1,382,400 bytes for three copies of a frame; every frame overwrites them before it reads them. Both stay allocated
+ * until the library is unloaded or the process exits. itof_deinit releases nothing.
+ *
+ *
+ * Words
+ * -----
+ * A frame is 640 x 360 words of 16 bits, row after row without gaps, in the machine's byte order.
+ *
+ *     depth word (in)       bits 15..13   confidence, 0..7
+ *                           bits 12..0    depth code, 0..8191; 0 means no depth
+ *     aligned word (out)    bits 15..11   0
+ *                           bits 10..8    confidence, 0..7
+ *                           bits 7..0     bits 11..4 of the depth code; 0 means no depth
+ *
+ * A depth code counts the unit of length of the calibration file's translation, usually millimetres. It is measured
+ * along the optical axis of the ToF camera.
+ *
+ *
+ * The aligned frame
+ * -----------------
+ * - Depth comes in steps of 16 codes and wraps at 4096, because bit 12 of the code is lost: 4660 comes out as 560.
+ *   Codes 0..15 and 4096..4111 come out as no depth.
+ * - A word without depth may still hold a confidence. Test bits 7..0, not the whole word. A word of 0 is a cell that
+ *   no pixel reached, or one reached by a pixel with neither depth nor confidence.
+ * - Pixels are moved into the aux camera's view, but their depth stays the distance along the ToF camera's axis.
+ * - The view is always the whole 640 x 360 picture of the aux camera without zoom, including its lens distortion,
+ *   whatever the ratio.
+ * - Cell (u, v) holds positions in [u, u + 1) x [v, v + 1), where an integer is the centre of an aux pixel: positions
+ *   are truncated, not rounded.
+ * - There is no occlusion test. If several pixels have one target, the last in row-major order stays.
+ * - A pixel without depth goes to the cell of the last pixel with depth before it, in row-major order across the ends
+ *   of rows, and replaces that pixel by its confidence without depth. If no pixel with depth comes before it, it goes
+ *   where position (0, 0) of the ideal aux image leads.
+ * - Cell (0, 0) collects the pixels whose ideal position has no entry in the lens table, because the lens puts that
+ *   position outside the frame. The entries are 0 after itof_init. After itof_deinit they keep the values of earlier
+ *   runs.
+ * - Cells that no pixel rounds to stay 0. They show as thin lines where the aux camera sees a surface at a larger
+ *   scale than the ToF camera does.
+ *
+ * The ideal aux image is the picture the aux camera would take without lens distortion, scaled by the run's ratio. The
+ * lens table says for each of its pixels where that point lies in the real picture.
+ *
+ *
+ * The ratio
+ * ---------
+ * The ratio scales the ideal aux image on both axes. The lens table always has 640 x 360 entries and undoes the scale.
+ *
+ *     1                 no zoom; the normal case
+ *     above 1           a finer table for a smaller part of the view: a ratio of 2 covers only the top-left quarter of
+ *                       the view, and all other pixels are dropped
+ *     between 0 and 1   a coarser table: only a share of about ratio squared of the cells can be reached
+ *     0, infinite,      no table entry is written, and every pixel goes to one cell, that of position (0, 0) of the
+ *     not a number      ideal image: cell (0, 0), or, after itof_deinit, the cell where an earlier run put it
+ *     below 0           positions are mirrored about the top-left corner: pixels that the aux camera sees are dropped,
+ *                       or land in one cell if they still round to row and column 0; points beyond its top and left
+ *                       edges may appear
+ *
+ * No ratio is refused, but only ratios of 1 and above are useful.
  */
 #ifndef ITOFINTERFACE_H_
 #define ITOFINTERFACE_H_
 
 #include <stdint.h>
 
-/* Seen from outside, also by a build that hides what does not say so. */
+/* Exports a function even if the build hides symbols by default. */
 #define ITOF_API __attribute__((visibility("default")))
 
 #ifdef __cplusplus
 extern "C" {
 #endif
 
-/* Width and height in pixels of the frame that comes in, and of the frame that goes out. */
+/* Width and height in pixels of the depth frame and of the aligned frame. */
 #define ITOF_FRAME_WIDTH 640
 #define ITOF_FRAME_HEIGHT 360
 
@@ -43,79 +101,47 @@ extern "C" {
 #define ITOF_CALIBRATION_UNUSABLE (-3)   /* a value in it makes the geometry impossible; see itof_init */
 
 /*
- * Reads the calibration of the camera pair from /vendor/lib64/camera/new_otp_simple.bin and builds the alignment state.
+ * Reads the calibration of the camera pair from /vendor/lib64/camera/new_otp_simple.bin and builds the alignment
+ * state. Ends the present run. Writes no log line.
  *
- * The file is 228 bytes: 57 little-endian fields of four bytes; what follows them is ignored. Refused as unusable: an
- * image size that is not finite, below 1 after its fraction is cut, or beyond a 32-bit integer; a ToF calibration width
- * other than 640 after its fraction is cut; a focal length that is not finite or not above 0; any other value of the
- * matrices, the rotation, the translation or the lens coefficients that is not finite.
+ * The file holds 57 little-endian entries of four bytes; bytes after these 228 are ignored. It is unusable if
+ *   - an image size is not finite, is below 1 after truncation, or does not fit a 32-bit integer,
+ *   - the ToF calibration width is not 640 after truncation,
+ *   - a focal length is not finite or not above 0, or
+ *   - any other value of the matrices, the rotation, the translation or the lens coefficients is not finite.
  *
- * Returns ITOF_OK, or one of the negative results above. After anything but ITOF_OK, an exception included, the library
- * is as it was before the call: as loaded after a failed first call; with the calibration, the tables and the run that
- * it had after a failed later one. Writes no log line.
+ * Returns ITOF_OK or one of the negative results above.
  *
- * On success the run ends, as with itof_deinit, and the tables start out as zeros. Cost: one file read, 5 MB cleared.
+ * After any other result, or an exception, the library is as it was before the call: a failed first call leaves it as
+ * loaded; a failed later call leaves the calibration, the tables and the run in use.
+ *
+ * Cost: one file read, and 5 MB of memory cleared.
  */
 ITOF_API int32_t itof_init(void);
 
 /*
- * Aligns one depth frame in place.
+ * Aligns one depth frame in place. Before a successful itof_init it does nothing at all.
  *
- * frame: 640 x 360 words, row after row without gaps, in the machine's byte order, aligned as a uint16_t is. Read as
- * depth words, and overwritten before the call returns with aligned words. Not null; no pointer to it is kept.
+ * frame: 640 x 360 depth words, aligned like a uint16_t, not null. Overwritten with aligned words before the call
+ *        returns. The library keeps no pointer to it.
+ * ratio: the ratio of the run. Read on the first frame of a run, ignored on all others.
  *
- *     depth word (in)       bits 15..13   confidence, 0..7
- *                           bits 12..0    depth code, 0..8191; 0 carries no distance
- *     aligned word (out)    bits 15..11   0
- *                           bits 10..8    confidence, 0..7
- *                           bits 7..0     bits 11..4 of the depth code
+ * Returns 0.
  *
- * A depth code counts the unit of length of the calibration file's translation (millimetres, if that is in
- * millimetres), along the optical axis.
+ * After an exception the frame and the library are as they were before the call.
  *
- * What the output is:
- *   - Depth in steps of 16 codes that wraps at 4096: bit 12 of the code is lost, so that 4660 comes out as 560.
- *   - Depth along the ToF camera's axis. It is moved into the aux camera's view, not converted to its distance.
- *   - Always in the unzoomed 640 x 360 view of the aux camera, its lens distortion included, whatever the ratio.
- *     Positions are cut, not rounded: cell (u, v) holds what falls into [u, u + 1) x [v, v + 1), where integers are
- *     the centres of the aux camera's pixels.
- *   - Without an occlusion test: of several pixels with one target, the last in row-major order stays.
- *   - A pixel of depth code 0 goes where the last pixel before it that had depth went, in row-major order across the
- *     ends of rows, and replaces what is there by its confidence without depth. Before the first pixel with depth, the
- *     position is (0, 0) of the ideal image.
- *   - A pixel whose ideal position has no table entry lands in cell (0, 0): the table's entries start out as zeros,
- *     and positions that the lens puts outside the frame are not entered. After itof_deinit such an entry keeps the
- *     value of an earlier run.
- *   - Without depth where bits 7..0 are 0. That also comes of the codes 0..15 and 4096..4111, and the word need not be
- *     0: confidence may remain. A word of 0 is one that no pixel reached, or one with neither depth nor confidence.
+ * Prints one line, "cost time(distort) : <seconds> (s)", to standard output, and nothing switches that off. In a
+ * daemon, open file descriptor 1 on /dev/null before the first frame. If it is closed, the next file that the process
+ * opens gets number 1 and receives the lines. The performance lines in the framework's log have the framework's gates.
  *
- * ratio: scale of the ideal aux image in which positions are looked up, both axes alike; 1 for a run without zoom. It
- * is read on the first frame of a run, that is after itof_init or itof_deinit, and ignored on all others. The lens
- * table scales back by 1 / ratio, and has 640 x 360 entries whatever the ratio, so that
- *   - above 1 it is a finer table of a smaller part of the view: at 2 only positions of the view's top-left quarter
- *     are inside, and the rest is dropped;
- *   - below 1 it is a coarser one: about ratio squared of the cells can be reached at all;
- *   - 0, infinite, or not a number: no entry is written, and every pixel goes to one cell, the one that the entry of
- *     position (0, 0) names: (0, 0), or after itof_deinit where an earlier run put it;
- *   - below 0: positions are mirrored about the top-left corner. What the aux camera sees is dropped, or gathers in
- *     one cell where it still comes to row and column 0; what it would see beyond its top and left edges may come in.
- * Nothing refuses a ratio; only those of 1 and above are of use.
- *
- * Before a successful itof_init the frame stays as it is, and nothing is logged or printed. After an exception the
- * frame and the library are as they were before the call.
- *
- * Each call prints one line, "cost time(distort) : <seconds> (s)", to standard output, which no gate controls. In a
- * daemon, open file descriptor 1 on /dev/null before the first frame: left closed, the next file that the process opens
- * takes its number, and receives the lines. The performance lines in the framework's log have gates of the framework.
- *
- * Cost: the first frame of a run builds the tables, some four times the cost of a later frame, which is one pass over
- * the pixels; docs/performance.md has figures. Returns 0 always.
+ * Cost: one pass over the pixels. The first frame of a run also builds the tables and takes about five times as long.
+ * docs/performance.md has figures.
  */
 ITOF_API int32_t itof_execute_algo(uint16_t* frame, float ratio);
 
 /*
- * Ends a run: the next frame builds the tables anew, with its own ratio. Keeps the calibration, and releases nothing.
- * May be called in any state, also before itof_init.
+ * Ends the run: the next frame builds the tables again, with its own ratio. Keeps the calibration and releases
+ * nothing. May be called at any time, even before itof_init. Returns nothing and cannot fail. Cost: none.
  */
 ITOF_API void itof_deinit(void);
 

@@ -1,5 +1,5 @@
-// The library's only diagnostics: performance lines through the host framework's logger and the Android log, and the
-// arithmetic of the durations in them.
+// Writes the library's performance lines to the host framework's log and the Android log, and computes the durations in
+// them.
 #ifndef ITOF_PERFORMANCELOG_H_
 #define ITOF_PERFORMANCELOG_H_
 
@@ -12,10 +12,10 @@
 
 namespace itof {
 
-/// Bit 18 of the framework's mask opens this library's lines.
+/// Whether the framework wants this library's lines: bit 18 of its mask.
 inline bool PerformanceLogEnabled() { return (g_enableOrvxLogs & (uint64_t{1} << 18)) != 0; }
 
-/// The copy for the Android log is written for the value 1 only.
+/// Whether lines are copied to the Android log: for the value 1 only.
 inline bool AndroidCopyEnabled() { return g_enableSystemLog == 1; }
 
 /// The part of `path` after its last '/', or all of it.
@@ -24,16 +24,16 @@ inline const char* BaseName(const char* path) {
   return slash == nullptr ? path : slash + 1;
 }
 
-/// Whole milliseconds of a stamp.
+/// A stamp in whole milliseconds, rounded down.
 inline uint64_t Milliseconds(const ZerunTime& stamp) { return stamp.seconds * 1000 + stamp.nanoseconds / 1'000'000; }
 
-/// Milliseconds from `start` to `end`, modulo 2^32 and in the signed type that "%d" prints. Right across a wrap of the
-/// 32-bit count, which comes every 49.7 days.
+/// Milliseconds from `start` to `end`, modulo 2^32, in the signed type that "%d" prints. Correct across a wrap of the
+/// 32-bit count, which happens every 49.7 days.
 inline int32_t MillisecondsBetween(const ZerunTime& start, const ZerunTime& end) {
   return static_cast<int32_t>(static_cast<uint32_t>(Milliseconds(end)) - static_cast<uint32_t>(Milliseconds(start)));
 }
 
-/// The present time; zero where the platform leaves the stamp unwritten.
+/// The present time; zero if the platform leaves the stamp unwritten.
 inline ZerunTime TimeStamp() {
   ZerunTime stamp{};
   Zerun::OsUtils::GetTime(&stamp);
@@ -42,10 +42,10 @@ inline ZerunTime TimeStamp() {
 
 }  // namespace itof
 
-/// Writes a performance line, if the framework's gates let it pass, under the name of the enclosing function and of the
-/// source file that the statement stands in. `line` is part of the text that log readers search for, and stays the same
-/// wherever the statement moves. A macro, since the Android format is joined from string literals and since __FILE__
-/// and __func__ must be the caller's.
+/// Writes a performance line if the framework's gates allow it. The line names the enclosing function and the source
+/// file of the statement. `line` is part of the text that log readers search for; it stays the same wherever the
+/// statement moves. This is a macro because the Android format is joined from string literals, and because __FILE__ and
+/// __func__ must be the caller's.
 #define ITOF_PERFORMANCE_LOG(line, format, ...)                                                                       \
   do {                                                                                                                \
     if (itof::PerformanceLogEnabled()) {                                                                              \

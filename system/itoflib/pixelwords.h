@@ -13,13 +13,16 @@
 
 namespace itof {
 
-/// Depth code of a depth word: 0..8191; 0 carries no distance.
+/// Number of depth codes; they run from 0 to one below this.
+inline constexpr uint32_t kDepthCodes = 8192;
+
+/// Depth code of a depth word: 0..8191; 0 means no depth.
 constexpr uint16_t DepthCode(uint16_t depthWord) { return depthWord & 0x1FFF; }
 
 /// Confidence of a depth word: 0..7.
 constexpr uint8_t Confidence(uint16_t depthWord) { return static_cast<uint8_t>(depthWord >> 13); }
 
-/// The working word of a depth word: bit 12 and the low four bits of the code are lost.
+/// The working word of a depth word: without bit 12 and the low four bits of the code.
 constexpr uint16_t WorkingWord(uint16_t depthWord) { return depthWord & 0xEFF0; }
 
 /// The aligned word of a working word.

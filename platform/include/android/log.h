@@ -1,4 +1,4 @@
-// The Android system log's print function, as the device's liblog has it. Only what the library calls is declared.
+// Declares the print function of the Android system log like the device's liblog: only what the library calls.
 #ifndef ITOF_PLATFORM_ANDROID_LOG_H_
 #define ITOF_PLATFORM_ANDROID_LOG_H_
 
@@ -8,7 +8,7 @@ extern "C" {
 
 typedef enum android_LogPriority { ANDROID_LOG_ERROR = 6 } android_LogPriority;
 
-/// Writes one formatted line with a priority and a tag to the system log. The result is not used by this project.
+/// Writes one formatted line with a priority and a tag to the system log. This project ignores the result.
 int __android_log_print(int priority, const char* tag, const char* format, ...) __attribute__((format(printf, 3, 4)));
 
 #ifdef __cplusplus

@@ -1,18 +1,18 @@
-// The host camera framework's logger and its two gates, as the device's liborvolog has them.
+// Declares the host camera framework's logger and its two gates like the device's liborvolog.
 #ifndef ITOF_PLATFORM_ORVOLOG_ORVOLOG_H_
 #define ITOF_PLATFORM_ORVOLOG_ORVOLOG_H_
 
 #include <cstdint>
 
-/// Log-enable mask of the framework; each bit opens the lines of one component. Owned by the framework.
+/// The framework's log mask: each bit enables the lines of one component. Only the framework writes it.
 extern uint64_t g_enableOrvxLogs;
 
-/// 1: lines are copied to the Android log as well; any other value: they are not. Owned by the framework.
+/// Lines are also copied to the Android log if this is 1. Only the framework writes it.
 extern int g_enableSystemLog;
 
 namespace OrvoLog {
 
-/// Writes one line to the framework's log. `format` and what follows are as for printf.
+/// Writes one line to the framework's log. `format` and the arguments after it are those of printf.
 void LogSystem(const char* level, const char* shortLevel, const char* group, const char* file, const char* function,
                int line, const char* format, ...) __attribute__((format(printf, 7, 8)));
 

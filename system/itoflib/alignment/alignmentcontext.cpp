@@ -1,4 +1,4 @@
-// Builds the state that the alignment steps share, so that they themselves allocate nothing.
+// Builds and releases the state that the alignment steps share. The steps themselves allocate nothing.
 #include "alignment/alignmentcontext.h"
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 namespace itof {
 namespace {
 
-/// Brings a camera matrix from the image it was calibrated with to the working frame, in place.
+/// Scales a camera matrix, in place, from the calibration image to the working frame.
 void ScaleIntrinsics(double (&intrinsics)[9], int32_t width, int32_t calibWidth, int32_t height, int32_t calibHeight) {
   const auto scale = ScaleMatrix(static_cast<double>(width) / calibWidth, static_cast<double>(height) / calibHeight);
   double scaled[9];

@@ -1,5 +1,6 @@
-// Far plane plus parallax stands in for a projection of each 3-D point. Cells are found for many pixels at once; the
-// scatter goes pixel by pixel, since the last pixel wins and those without depth follow the one before them.
+// Moves the pixels of a frame. Far-plane position plus parallax replaces the projection of each 3-D point. Ideal cells
+// are found for many pixels at once. The scatter goes pixel by pixel, in order: the last pixel at a target wins, and a
+// pixel without depth follows the one before it.
 #include "alignment/approximatealignment.h"
 
 #include <cstdio>
@@ -15,7 +16,7 @@ namespace itof {
 namespace {
 
 /// Moves `count` pixels, at most kCellBlock, to the targets of their ideal cells. `carried` is the target of the last
-/// pixel with depth, from block to block.
+/// pixel with depth; it is passed on from block to block.
 ITOF_KERNEL inline void AlignBlock(const Parallax& parallax, Grid ideal, const uint32_t* targets,
                                    const uint16_t* __restrict words, const float* farX, const float* farY,
                                    int32_t count, uint8_t* __restrict confidence, uint16_t* workingBuffer,
@@ -24,8 +25,8 @@ ITOF_KERNEL inline void AlignBlock(const Parallax& parallax, Grid ideal, const u
 
   int32_t cells[kCellBlock];
   FindIdealCells(parallax, ideal, words, farX, farY, count, cells);
-  // The table is larger than the caches near the processor. Neighbours go to neighbours, so that every eighth pixel
-  // names nearly all of its lines that the block needs.
+  // The table does not fit the first caches. Neighbouring pixels have neighbouring cells, so every eighth pixel touches
+  // nearly all cache lines that the block needs.
   for (int32_t i = 0; i < count; i += 8) __builtin_prefetch(targets + cells[i]);
 
   uint32_t target = carried;
@@ -46,7 +47,7 @@ void FillTargets(AlignmentContext& context, const float* distortMapX, const floa
   RunKernel([&]() ITOF_KERNEL { FillTargetTable(params, distortion, distortMapX, distortMapY, targets); });
 }
 
-/// The targets must be those of the distortion maps.
+/// Aligns a frame with the context's target table.
 void AlignFrame(AlignmentContext& context, const uint16_t* frame, uint16_t* workingBuffer, const float* farPlaneMapX,
                 const float* farPlaneMapY) {
   const AlignmentParams& params = context.params;
@@ -64,7 +65,7 @@ void AlignFrame(AlignmentContext& context, const uint16_t* frame, uint16_t* work
                  workingBuffer, target);
     };
     size_t i = 0;
-    for (; i + kCellBlock <= pixels; i += kCellBlock) alignBlock(i, kCellBlock);  // of a size that the compiler knows
+    for (; i + kCellBlock <= pixels; i += kCellBlock) alignBlock(i, kCellBlock);  // with a count known to the compiler
     alignBlock(i, static_cast<int32_t>(pixels - i));
   });
 }
@@ -80,8 +81,8 @@ int32_t RunApproximateAlignment(AlignmentContext& context, const uint16_t* frame
                                 const float* farPlaneMapX, const float* farPlaneMapY, const float* distortMapX,
                                 const float* distortMapY) {
   const std::clock_t start = std::clock();
-  const bool ownMaps = distortMapX == context.distortMapX.get() && distortMapY == context.distortMapY.get();
-  if (!context.targetsPrepared || !ownMaps) {
+  const bool isOwnTable = distortMapX == context.distortMapX.get() && distortMapY == context.distortMapY.get();
+  if (!context.targetsPrepared || !isOwnTable) {
     context.targetsPrepared = false;
     FillTargets(context, distortMapX, distortMapY);
   }

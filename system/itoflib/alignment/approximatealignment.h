@@ -1,4 +1,4 @@
-// The step of every frame: moves each depth pixel to where the aux camera sees it.
+// Declares the step of every frame, which moves each depth pixel to where the aux camera sees it.
 #ifndef ITOF_ALIGNMENT_APPROXIMATEALIGNMENT_H_
 #define ITOF_ALIGNMENT_APPROXIMATEALIGNMENT_H_
 
@@ -6,25 +6,32 @@
 
 namespace itof {
 
-/// Makes `targets` from the context's own distortion maps, for all calls of RunApproximateAlignment with these maps that
-/// follow; without it, each call makes them anew, which is a seventh of its work. Whoever has called it calls it again
-/// whenever these maps, a size in `params` or `distortionEnabled` have changed. Throws as RunApproximateAlignment.
+/// Fills the target table from the context's own lens table, once for all following calls of RunApproximateAlignment
+/// with that lens table. It is optional: without it every such call fills the table itself, which is a seventh of its
+/// work. The next AlignmentFarPlane or InitAlignmentContext ends its effect. Call it again after changing the lens
+/// table, a size in `params` or `distortionEnabled` in any other way. Throws like RunApproximateAlignment.
 void PrepareTargets(AlignmentContext& context);
 
-/// Re-projects `frame` (tofWidth x tofHeight depth words) into `workingBuffer` (auxWidth x auxHeight, working words). A
-/// pixel's ideal position is its far-plane position plus a parallax, focal length times translation over depth, of the
-/// x and y translation only. With `distortionEnabled` the position, rounded, is looked up in the distortion maps and
-/// the entry's fraction is cut, so that cell (u, v) collects the positions [u, u + 1) x [v, v + 1); an ideal position
-/// outside the ToF grid is not looked up. Pixels whose target is outside the aux frame are dropped.
+/// Moves the pixels of `frame` (tofWidth x tofHeight depth words, ToF view) into `workingBuffer` (auxWidth x auxHeight
+/// working words, aux view).
 ///
-/// There is no depth test: of several pixels with one target, the last in row-major order stays. A pixel of depth code
-/// 0 goes to the position of the last pixel before it that had depth, in this frame, or to (0, 0), and writes its
-/// confidence with no depth there. Cells that no pixel reaches keep their content.
+/// A pixel's ideal position is its far-plane position plus its parallax. The parallax is focal length times translation
+/// divided by depth, for the x and y translation only. The ideal position is rounded to an ideal cell. With
+/// `distortionEnabled`, a cell inside the ToF grid is looked up in the lens table, and the entry is truncated:
+/// cell (u, v) of the aux frame gets the positions [u, u + 1) x [v, v + 1). Pixels that land outside the aux frame are
+/// dropped.
 ///
-/// Writes `confidence` of `context` for every ToF pixel, and one line with the processor time taken to standard output.
-/// All maps have tofWidth x tofHeight entries and are those that AlignmentFarPlane and DistortLUT filled for the run.
-/// No buffer may overlap another. Returns 1. Allocates nothing for a context from InitAlignmentContext; for one built
-/// otherwise it makes `targets` large enough first, and throws std::bad_alloc, nothing written, if it cannot.
+/// There is no depth test: if several pixels have one target, the last in row-major order stays. A pixel of depth code
+/// 0 goes to the target of the last pixel with depth before it in this frame, or, if there is none, to that of ideal
+/// position (0, 0). It writes its confidence there, without depth. Cells that no pixel reaches keep their content.
+///
+/// Also writes `context.confidence` for every ToF pixel, and prints one line with the processor time to standard
+/// output.
+///
+/// The far-plane maps and the lens table (`distortMapX`, `distortMapY`) have tofWidth x tofHeight entries, filled for
+/// this run by AlignmentFarPlane and DistortLUT. No buffer may overlap another. Returns 1. Allocates nothing for a
+/// context from InitAlignmentContext. For any other context it may have to enlarge `targets`; if that fails it throws
+/// std::bad_alloc and has written nothing.
 int32_t RunApproximateAlignment(AlignmentContext& context, const uint16_t* frame, uint16_t* workingBuffer,
                                 const float* farPlaneMapX, const float* farPlaneMapY, const float* distortMapX,
                                 const float* distortMapY);

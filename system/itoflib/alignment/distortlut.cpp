@@ -1,4 +1,4 @@
-// The lens model is too dear for every pixel of every frame, so its results for all grid positions are kept in a table.
+// Fills the lens table. Evaluating the lens model for every pixel of every frame would be too expensive.
 #include "alignment/distortlut.h"
 
 #include <algorithm>
@@ -10,8 +10,8 @@
 namespace itof {
 namespace {
 
-/// Where the lens puts the positions (x, y), in units of the ideal image's focal lengths. The order of the fused steps
-/// fixes the last bits of the table.
+/// Stores in (u, v) the pixels at which the lens shows the rays (x, y, 1). The order of the fused steps fixes the last
+/// bits of the table.
 ITOF_KERNEL inline void Distort(const CameraModel& lens, const double (&xs)[kMapBlock], double y,
                                 double (&u)[kMapBlock], double (&v)[kMapBlock]) {
   const auto [k1, k2, k3, k4, k5, k6, p1, p2, cx, cy, fx, fy, invFx, invFy] = lens;

@@ -1,4 +1,4 @@
-// Far-plane positions are the part of the alignment that does not depend on depth, so they are computed once a run.
+// Computes far-plane positions, the part of the alignment that does not depend on depth, once per run.
 #include "alignment/farplane.h"
 
 #include <algorithm>
@@ -11,8 +11,8 @@
 namespace itof {
 namespace {
 
-/// One round of the inverse lens model, from positions (x, y) to better ones, in units of the focal length; x0 and y0
-/// are the distorted positions.
+/// One fixed-point round of the inverse lens model: improves the ideal positions (x, y) of the distorted positions
+/// (x0, y0), all in units of the focal length.
 ITOF_KERNEL inline void UndistortRound(const CameraModel& model, const double (&x0)[kMapBlock], double y0,
                                        double* __restrict x, double* __restrict y) {
   const auto [k1, k2, k3, k4, k5, k6, p1, p2, cx, cy, fx, fy, invFx, invFy] = model;
@@ -26,7 +26,7 @@ ITOF_KERNEL inline void UndistortRound(const CameraModel& model, const double (&
   }
 }
 
-/// Replaces pixels (u, v) of one row by their ideal positions, by exactly three rounds.
+/// Replaces the pixels (u, v) of one row by their ideal positions, in exactly three rounds.
 ITOF_KERNEL inline void Undistort(const CameraModel& model, double (&u)[kMapBlock], double (&v)[kMapBlock]) {
   double x0[kMapBlock], x[kMapBlock], y[kMapBlock];
   const double y0 = (v[0] - model.cy) * model.invFy;
@@ -43,14 +43,14 @@ ITOF_KERNEL inline void Undistort(const CameraModel& model, double (&u)[kMapBloc
   }
 }
 
-/// A row of the projection times the point (x, y, far-plane depth, 1), summed as MatrixMultiply does. Fusing a factor of
-/// 1 changes nothing, so the last step is a plain sum.
+/// A row of the projection times the point (x, y, far-plane depth, 1), summed like MatrixMultiply does. The last factor
+/// is 1, so a plain sum rounds like a fused step.
 ITOF_KERNEL inline double RowTimesPoint(const double (&m)[4], double x, double y) {
   return std::fma(m[2], kFarPlaneDepth, std::fma(m[1], y, std::fma(m[0], x, 0.0))) + m[3];
 }
 
-/// Replaces ideal ToF pixels by the positions at which the aux camera sees them at the far plane. `w` is above 0 where
-/// the point is in front of that camera.
+/// Replaces ideal ToF positions by the positions at which the aux camera sees them at the far plane. `w` is above 0
+/// where the point is in front of that camera.
 ITOF_KERNEL inline void Project(const double (&k)[9], const double (&projection)[3][4], double* __restrict u,
                                 double* __restrict v, double* __restrict w) {
   const double fx = k[0], cx = k[2], fy = k[4], cy = k[5];
@@ -68,7 +68,7 @@ ITOF_KERNEL inline void Project(const double (&k)[9], const double (&projection)
 void AlignmentFarPlane(AlignmentContext& context, float* farPlaneMapX, float* farPlaneMapY, double scaleX,
                        double scaleY) {
   const AlignmentParams& params = context.params;
-  context.targetsPrepared = false;  // a run starts here, and its lens table will be another one
+  context.targetsPrepared = false;  // a new run starts, with another lens table
   const auto scale = ScaleMatrix(scaleX, scaleY);
   MatrixMultiply(context.auxRatioIntrinsics, scale.data(), params.auxIntrinsics, 3, 3, 3, 3);
 

@@ -1,4 +1,4 @@
-// First step of a run: where the aux camera sees each ToF pixel at the far plane.
+// Declares the first step of a run, which finds where the aux camera sees each ToF pixel at the far plane.
 #ifndef ITOF_ALIGNMENT_FARPLANE_H_
 #define ITOF_ALIGNMENT_FARPLANE_H_
 
@@ -6,14 +6,15 @@
 
 namespace itof {
 
-/// Depth, in units of ten depth codes, at which a ToF pixel shows no parallax that a float map could hold.
+/// Depth of the far plane, in units of ten depth codes. The parallax there is too small to change a float map.
 inline constexpr double kFarPlaneDepth = 2147483647.0;
 
-/// Sets `auxRatioIntrinsics` of `context` to the aux camera matrix resized by `scaleX` and `scaleY`, and, for each ToF
-/// pixel, the two maps (tofWidth x tofHeight entries, not overlapping) to the column and row of that resized ideal image at which the
-/// aux camera sees the pixel at the far plane. With `distortionEnabled` the ToF pixel is undistorted first, by three
-/// fixed-point rounds of the inverse lens model, as OpenCV's undistortPoints does them. Entries of a pixel whose point
-/// is not in front of the aux camera are left as they are.
+/// Starts a run: sets `context.auxRatioIntrinsics` to the aux camera matrix resized by `scaleX` and `scaleY`, and fills
+/// the far-plane maps (tofWidth x tofHeight entries each, not overlapping). The entry of a ToF pixel gets the column
+/// and row of that resized ideal aux image at which the aux camera sees the pixel at the far plane. With
+/// `distortionEnabled` the ToF pixel is undistorted first, by three fixed-point rounds of the inverse lens model, like
+/// OpenCV's undistortPoints. If the pixel's point is not in front of the aux camera, its entries keep their values.
+/// Marks prepared targets as stale.
 void AlignmentFarPlane(AlignmentContext& context, float* farPlaneMapX, float* farPlaneMapY, double scaleX,
                        double scaleY);
 

@@ -1,4 +1,5 @@
-// A file of its own, so that the tests can link another answer and run the baseline where the processor has more.
+// Picks the build of the kernels by the processor. Tests link another implementation to run the baseline build
+// anywhere.
 #include "alignment/kernelbuild.h"
 
 namespace itof {

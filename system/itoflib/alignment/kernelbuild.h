@@ -1,6 +1,6 @@
-// One text for each kernel, compiled twice where a processor may or may not have the instructions that it is best run
-// with: on x86-64 once for the baseline, whose fused steps are calls of the C library, and once for AVX2 and FMA. Both
-// give the same bits. 64-bit Arm always has all that the kernels need, so there the one build is the best one.
+// Runs kernels in the build that suits the processor. Each kernel has one source. On x86-64 it is compiled twice, for
+// the baseline and for AVX2 with FMA, and chosen at run time. Results are identical. In the baseline each fused step is
+// a call of the C library. 64-bit Arm always has the instructions that the kernels need, so it has one build.
 #ifndef ITOF_ALIGNMENT_KERNELBUILD_H_
 #define ITOF_ALIGNMENT_KERNELBUILD_H_
 
@@ -8,14 +8,14 @@ namespace itof {
 
 enum class KernelBuild { kBaseline, kAvx2Fma };
 
-/// The build that suits the processor that this runs on.
+/// The build that suits this processor.
 KernelBuild PickKernelBuild();
 
-/// What the build asks of the processor, for reports: "x86-64 with AVX2 and FMA", "64-bit Arm" and the like.
+/// The instruction set of a build, for reports, e.g. "x86-64 with AVX2 and FMA" or "64-bit Arm".
 const char* KernelBuildName(KernelBuild build);
 
 #if defined(__x86_64__)
-/// The same kernel with every instruction of AVX2 and FMA at the compiler's disposal.
+/// Runs `kernel` compiled for AVX2 and FMA.
 template <typename Kernel>
 [[gnu::target("avx2,fma"), gnu::noinline]] void RunKernelAvx2Fma(const Kernel& kernel) {
   kernel();
@@ -33,7 +33,8 @@ void RunKernel(const Kernel& kernel) {
 
 }  // namespace itof
 
-/// Marks a function that is part of a kernel: its text is compiled into each build of the kernel, never beside them.
+/// Marks a function that is part of a kernel: it is inlined into each build of the kernel and never compiled
+/// separately.
 #define ITOF_KERNEL __attribute__((always_inline))
 
 #endif  // ITOF_ALIGNMENT_KERNELBUILD_H_

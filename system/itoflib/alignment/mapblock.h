@@ -1,5 +1,5 @@
-// The maps of a run are computed in blocks of columns, by several short loops over local arrays instead of one long one:
-// the processor then has many columns in flight at each division, where the long loop would wait for its own results.
+// Stores blocks of map columns. The maps of a run are computed in blocks, by several short loops over local arrays. One
+// long loop per column would wait for each of its divisions; short loops keep many divisions in flight.
 #ifndef ITOF_ALIGNMENT_MAPBLOCK_H_
 #define ITOF_ALIGNMENT_MAPBLOCK_H_
 
@@ -9,11 +9,11 @@
 
 namespace itof {
 
-/// Columns of a block. The last block of a row is computed whole, too, and stored in part.
+/// Columns of a block. The last block of a row is computed in full and stored in part.
 inline constexpr int32_t kMapBlock = 128;
 
-/// Stores `count` positions in the two maps, those for which `wanted` (of the index in the block) holds. Where all are
-/// wanted, as in nearly every block, nothing has to be selected.
+/// Stores `count` positions in the two maps, leaving out those for which `wanted`, called with the index in the block,
+/// is false. In nearly every block all are wanted, so that case has a loop of its own without a test.
 template <typename Wanted>
 ITOF_KERNEL inline void StorePositions(const double (&u)[kMapBlock], const double (&v)[kMapBlock], int32_t count,
                                        const Wanted& wanted, float* __restrict mapX, float* __restrict mapY) {

@@ -1,4 +1,4 @@
-// Row-major matrix product of doubles with one rounding per step.
+// Multiplies row-major matrices of doubles with one rounding per step.
 #ifndef ITOF_ALIGNMENT_MATRIXMULTIPLY_H_
 #define ITOF_ALIGNMENT_MATRIXMULTIPLY_H_
 
@@ -8,9 +8,10 @@
 
 namespace itof {
 
-/// out = a * b, where `a` is rows x aRowLength, of which the first `inner` columns take part, `b` is inner x cols and
-/// `out` is rows x cols, all row-major. Each entry is summed from 0.0 with fused steps in rising order, which fixes its
-/// last bit. `inner` below 1 gives zeros; `rows` or `cols` below 1 writes nothing. `out` must not overlap `a` or `b`.
+/// out = a * b, all row-major: `a` is rows x aRowLength, of which the first `inner` columns are used, `b` is inner x
+/// cols, `out` is rows x cols. Each entry is summed from 0.0 with fused steps in order of increasing index, which fixes
+/// its last bit. `inner` below 1 gives zeros; `rows` or `cols` below 1 writes nothing. `out` must not overlap `a` or
+/// `b`.
 inline void MatrixMultiply(double* out, const double* a, const double* b, int32_t rows, int32_t aRowLength,
                            int32_t inner, int32_t cols) {
   for (int32_t i = 0; i < rows; ++i) {

@@ -1,5 +1,5 @@
-// Where the pixels of each ideal position land in the aux frame, as one index: the lens table's two positions, cut to
-// integers and tested, so that no pixel has to do it again.
+// Fills the target table, which holds for each ideal cell the index of the aux cell where its pixels land. Cutting and
+// testing the lens table's positions here, once per run, saves doing it for every pixel of every frame.
 #ifndef ITOF_ALIGNMENT_TARGETTABLE_H_
 #define ITOF_ALIGNMENT_TARGETTABLE_H_
 
@@ -14,31 +14,31 @@
 
 namespace itof {
 
-/// In the place of a target: outside the aux frame.
+/// In place of a target: the pixel lands outside the aux frame and is dropped.
 inline constexpr uint32_t kDropped = std::numeric_limits<uint32_t>::max();
 
-/// The ideal positions that can lead anywhere: those that the lens table has, and those of the aux frame, where
-/// positions that it does not have land unchanged. Nothing, if the aux frame has no pixels.
+/// The ideal cells from which a pixel can land: those of the lens table and those of the aux frame. A cell that the
+/// lens table does not cover is its own target. Empty if the aux frame has no pixels.
 inline Grid IdealGrid(const AlignmentParams& params, bool distortion) {
   if (PixelCount(params.auxWidth, params.auxHeight) == 0) return {0, 0};
   if (!distortion) return {params.auxWidth, params.auxHeight};
   return {std::max(params.auxWidth, params.tofWidth), std::max(params.auxHeight, params.tofHeight)};
 }
 
-/// The integer part of a table entry, not-a-number 0. All that lies beyond `bound`, which is beyond the aux frame, is
-/// alike, so that the conversion is defined; a bound on either side from one number compiles to a minimum and a maximum.
+/// The integer part of a lens table entry; not-a-number gives 0. Entries are clamped to `bound` on either side of 0,
+/// which is outside the aux frame, so that the conversion is defined.
 ITOF_KERNEL inline int32_t CutEntry(float entry, float bound) {
   entry = entry == entry ? entry : 0.0F;
   entry = entry > -bound ? entry : -bound;
   return static_cast<int32_t>(bound < entry ? bound : entry);
 }
 
-/// Fills `table`, which has a border of one cell around the ideal grid, with indices into the aux frame or kDropped.
-/// The maps are those of DistortLUT.
+/// Fills `table`, which covers the ideal grid with a border of one cell, with indices into the aux frame or kDropped.
+/// `mapX` and `mapY` are the lens table.
 ITOF_KERNEL inline void FillTargetTable(const AlignmentParams& params, bool distortion, const float* mapX,
                                         const float* mapY, uint32_t* table) {
   const Grid ideal = IdealGrid(params, distortion);
-  const Grid aux{params.auxWidth, params.auxHeight};  // not asked if it has no pixels: the ideal grid has none then
+  const Grid aux{params.auxWidth, params.auxHeight};  // not used if it has no pixels: then the ideal grid has none
   const float bound = std::min(2.0F * static_cast<float>(std::max(aux.width, aux.height)), 0x1.fffffep30F);
   std::fill_n(table, ideal.width + 2, kDropped);
   std::fill_n(table + ideal.IndexWithBorder(-1, ideal.height), ideal.width + 2, kDropped);

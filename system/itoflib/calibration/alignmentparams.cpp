@@ -1,4 +1,4 @@
-// Turns the file's single-precision fields into the double-precision parameters of the alignment.
+// Converts the single-precision fields of a calibration record to the double-precision parameters of the alignment.
 #include "calibration/alignmentparams.h"
 
 #include <algorithm>
@@ -10,7 +10,7 @@ namespace itof {
 
 void FillAlignmentParams(const CalibrationRecord& record, AlignmentParams& params) {
   const auto widen = [](float value) { return static_cast<double>(value); };
-  // A quotient, not a product with 0.1, whose last bit may differ.
+  // A product with 0.1 could differ in the last bit.
   const auto widenAndDivide = [](float value) { return static_cast<double>(value) / 10.0; };
 
   params.tofCalibWidth = IntegerPart(widen(record.tofCalibWidth));

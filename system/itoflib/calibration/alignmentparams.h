@@ -1,4 +1,4 @@
-// The description of the camera pair that the alignment works from.
+// Declares the parameters of the camera pair that the alignment works with.
 #ifndef ITOF_CALIBRATION_ALIGNMENTPARAMS_H_
 #define ITOF_CALIBRATION_ALIGNMENTPARAMS_H_
 
@@ -8,8 +8,8 @@
 
 namespace itof {
 
-/// One camera pair. Sizes are in pixels; matrices are 3x3 row-major; distortion coefficients are in the order k1, k2,
-/// p1, p2, k3, k4, k5, k6 of the rational lens model, as OpenCV's calibration module has it. A point X in the ToF
+/// One camera pair. Sizes are in pixels; matrices are 3x3 row-major. Distortion coefficients are those of the rational
+/// lens model in the order of OpenCV's calibration module: k1, k2, p1, p2, k3, k4, k5, k6. A point X in the ToF
 /// camera's frame lies at rotation * X + translation in the aux camera's frame.
 struct AlignmentParams {
   int32_t tofCalibWidth;  // image that tofIntrinsics refers to
@@ -28,8 +28,8 @@ struct AlignmentParams {
   double auxDistortion[8];
 };
 
-/// Takes every field of `params` except the four working sizes, which stay as they are, from a record. Image sizes lose
-/// their fraction; all else is exact but the translation, whose entries are divided by 10.
+/// Fills `params` from a record, except for the four working sizes, which keep their values. The calibration sizes lose
+/// their fraction, and the entries of the translation are divided by 10; all other values are exact.
 void FillAlignmentParams(const CalibrationRecord& record, AlignmentParams& params);
 
 /// The parameters of a record for ToF and aux frames of 640 x 360.

@@ -11,8 +11,8 @@
 namespace itof {
 
 /// Returns why the alignment cannot work with `value` at an entry of a field, as a phrase that follows the value, e.g.
-/// "is not finite"; null if it can. Needed are image sizes that are at least 1 and fit a 32-bit integer after their
-/// fraction is cut, a ToF calibration width of 640, focal lengths above 0, and finite values in every field that the
+/// "is not finite"; null if it can. Needed are image sizes that are at least 1 and fit a 32-bit integer after
+/// truncation, a ToF calibration width of 640, focal lengths above 0, and finite values in every field that the
 /// geometry uses. Unused words and aux_fl_ratio may hold anything.
 const char* EntryFault(const CalibrationField& field, size_t index, float value);
 

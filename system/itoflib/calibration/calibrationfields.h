@@ -1,4 +1,4 @@
-// The calibration file as a list, for whoever goes through all of its fields: their names, places and kinds.
+// Lists the fields of the calibration file with name, place and kind, and reads and writes their entries in a record.
 #ifndef ITOF_CALIBRATION_CALIBRATIONFIELDS_H_
 #define ITOF_CALIBRATION_CALIBRATIONFIELDS_H_
 
@@ -16,16 +16,16 @@ namespace itof {
 
 enum class FieldKind {
   kUnused,
-  kFrameWidth,    // of the image that the ToF matrix refers to; has to be that of the frame
-  kImageSize,     // another width or height, pixels
+  kFrameWidth,    // of the image that the ToF matrix refers to; must be that of the frame
+  kImageSize,     // any other width or height, pixels
   kCameraMatrix,  // 3x3 row-major, pixels
   kRotation,      // 3x3 row-major
   kTranslation,   // depth codes
   kDistortion,    // k1, k2, p1, p2, k3, k4, k5, k6
-  kLogged,        // printed, and used for nothing else
+  kLogged,        // printed only
 };
 
-/// A field of CalibrationRecord: `count` entries of four bytes, floats unless it is unused.
+/// A field of CalibrationRecord: `count` entries of four bytes, which are floats unless the field is unused.
 struct CalibrationField {
   const char* name;
   size_t offset;  // in the file, bytes
@@ -56,7 +56,7 @@ inline constexpr CalibrationField kCalibrationFields[] = {
 };
 #undef ITOF_FIELD
 
-/// Whether the geometry depends on a field.
+/// Whether the geometry depends on fields of this kind.
 constexpr bool IsGeometry(FieldKind kind) { return kind != FieldKind::kUnused && kind != FieldKind::kLogged; }
 
 /// The field of that name. A name that no field has does not compile.
@@ -64,7 +64,7 @@ consteval const CalibrationField& FieldNamed(std::string_view name) {
   return *std::ranges::find_if(kCalibrationFields, [&](const CalibrationField& field) { return name == field.name; });
 }
 
-/// Calls `use` with each field and each index of an entry in it, in the order of the file.
+/// Calls `use(field, index)` for every entry of every field, in the order of the file.
 template <typename Use>
 void ForEachEntry(const Use& use) {
   for (const CalibrationField& field : kCalibrationFields) {
@@ -72,7 +72,7 @@ void ForEachEntry(const Use& use) {
   }
 }
 
-/// Place of an entry in the file, bytes.
+/// Offset of an entry in the file, in bytes.
 constexpr size_t EntryOffset(const CalibrationField& field, size_t index) { return field.offset + 4 * index; }
 
 /// The four bytes of an entry, as a little-endian number.
@@ -92,7 +92,7 @@ inline void SetEntry(CalibrationRecord& record, const CalibrationField& field, s
   std::memcpy(reinterpret_cast<std::byte*>(&record) + EntryOffset(field, index), &value, sizeof value);
 }
 
-/// The name of an entry, with its index where the field has more than one, e.g. "tofIntrinsics[4]".
+/// The name of an entry, with its index if the field has more than one, e.g. "tofIntrinsics[4]".
 inline std::string EntryName(const CalibrationField& field, size_t index) {
   std::string name = field.name;
   if (field.count > 1) name.append("[").append(std::to_string(index)).append("]");

@@ -1,4 +1,4 @@
-// Reads the calibration file. All access goes through the platform, whose utilities know the device's partitions.
+// Reads the calibration file through the platform's file functions, which know the device's partitions.
 #include "calibration/calibrationrecord.h"
 
 #include <zerun/osutils.h>
@@ -20,7 +20,7 @@ CalibrationLoad LoadCalibrationRecord() {
   FILE* file = Zerun::OsUtils::FOpen(kCalibrationPath, "rb");
   if (file == nullptr) return {CalibrationLoadStatus::kUnreadable, nullptr};
   const size_t records = Zerun::OsUtils::FRead(record.get(), kCalibrationRecordSize, kCalibrationRecordSize, 1, file);
-  // The platform's handle is a stream of the C library, which knows why a read fell short.
+  // The handle is a stream of the C library, which tells a failed read from the end of the file.
   const bool failed = std::ferror(file) != 0;
   Zerun::OsUtils::FClose(file);
   if (records != 1) return {failed ? CalibrationLoadStatus::kUnreadable : CalibrationLoadStatus::kShort, nullptr};

@@ -1,4 +1,5 @@
-// The calibration file: 57 little-endian fields of four bytes, without header, version or checksum.
+// Declares the calibration file, 57 little-endian entries of four bytes without header, version or checksum, and reads
+// it.
 #ifndef ITOF_CALIBRATION_CALIBRATIONRECORD_H_
 #define ITOF_CALIBRATION_CALIBRATIONRECORD_H_
 
@@ -13,11 +14,11 @@ namespace itof {
 inline constexpr char kCalibrationPath[] = "/vendor/lib64/camera/new_otp_simple.bin";
 inline constexpr size_t kCalibrationRecordSize = 228;
 
-/// The file's fields in memory, in the file's order and size. Camera matrices and the rotation are 3x3 row-major;
-/// distortion coefficients are in the order k1, k2, p1, p2, k3, k4, k5, k6. A point X in the ToF camera's frame lies at
+/// The file's fields in memory, in the same order and size. Camera matrices and the rotation are 3x3 row-major.
+/// Distortion coefficients are in the order k1, k2, p1, p2, k3, k4, k5, k6. A point X in the ToF camera's frame lies at
 /// rotation * X + translation in the aux camera's frame. Lengths are in the unit of the depth codes.
 struct CalibrationRecord {
-  uint32_t word0;  // the words named so hold nothing that is used
+  uint32_t word0;  // fields named wordN are not used
   uint32_t word1;
   float tofCalibWidth;  // pixels of the image that tofIntrinsics refers to
   float tofCalibHeight;
@@ -33,14 +34,14 @@ struct CalibrationRecord {
   float tofDistortion[8];
   float auxDistortion[8];
   uint32_t word55;
-  float aux_fl_ratio;  // printed in a log line of every frame; no pixel depends on it
+  float aux_fl_ratio;  // printed in a log line of every frame; does not affect pixels
 };
 static_assert(sizeof(CalibrationRecord) == kCalibrationRecordSize);
 static_assert(std::is_trivially_copyable_v<CalibrationRecord>);
-// Fields and file have the same order and width, so on the little-endian targets copying the bytes decodes them.
+// Fields and file have the same order and size, so on little-endian machines copying the bytes decodes them.
 static_assert(std::endian::native == std::endian::little);
 
-/// Decodes `bytes`, kCalibrationRecordSize of them. Any bytes give a record; its values may still be unusable.
+/// Decodes kCalibrationRecordSize bytes. Any bytes give a record; FirstCalibrationFault tells whether it can be used.
 CalibrationRecord DecodeCalibrationRecord(const void* bytes);
 
 enum class CalibrationLoadStatus { kLoaded, kUnreadable, kShort };
@@ -51,9 +52,9 @@ struct CalibrationLoad {
   std::unique_ptr<CalibrationRecord> record;
 };
 
-/// Reads the file at kCalibrationPath through the platform's file functions. Bytes after the record are ignored.
-/// kUnreadable: the file cannot be opened, or reading it fails; kShort: it ends before the record does. The file is
-/// closed in every case. Throws std::bad_alloc, with no file open.
+/// Reads the file at kCalibrationPath through the platform's file functions. Bytes after the record are ignored. The
+/// status is kUnreadable if the file cannot be opened or read, and kShort if it ends before the record does. Closes the
+/// file in every case. Throws std::bad_alloc, before it opens the file.
 CalibrationLoad LoadCalibrationRecord();
 
 }  // namespace itof

@@ -89,7 +89,7 @@ PixelTrace RunTables::Trace(int x, int y, uint16_t word) const {
   const double* k = context_.auxRatioIntrinsics;
   const double* t = context_.params.translation;
   const itof::Parallax parallax = itof::MakeParallax(k[0] * t[0], k[4] * t[1], kGrid);
-  const itof::IdealPosition ideal(parallax, word, farX, farY);
+  const itof::IdealPosition ideal = itof::FindIdealPosition(parallax, word, farX, farY);
 
   PixelTrace trace{};
   trace.undistorted = {static_cast<double>(undistortedX_[i]), static_cast<double>(undistortedY_[i])};
