@@ -1,4 +1,4 @@
-// Times the library: one workload after the other with Google Benchmark, or beside the yardsticks of its targets.
+// Measures the library's speed: single workloads with Google Benchmark, or all targets against reference functions.
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -20,8 +20,8 @@ using itofbench::Workload;
 void PrintHelp() {
   std::printf(
       "itof_bench            times each workload with Google Benchmark, which takes the options below\n"
-      "itof_bench --targets  times the library beside its yardsticks: 0 if every bound holds, 1 if one is missed,\n"
-      "                      2 if nothing could be measured\n\n");
+      "itof_bench --targets  compares the library with reference functions; exit code 0 if no limit is exceeded,\n"
+      "                      1 if one is, 2 if it cannot measure\n\n");
   benchmark::PrintDefaultHelp();
 }
 
@@ -35,7 +35,7 @@ std::string ProcessorName() {
 }
 
 void TimeWithGoogleBenchmark(benchmark::State& state, const Workload& workload) {
-  const itoftool::Silence silence(stdout);  // until the loop is over: reports go to the same stream
+  const itoftool::Silence silence(stdout);  // Google Benchmark prints its report after this function returns
   itofbench::TimeOnce(workload);
   for ([[maybe_unused]] auto iteration : state) state.SetIterationTime(itofbench::TimeOnce(workload));
   state.SetItemsProcessed(state.iterations() * itofbench::kPixels);
@@ -53,7 +53,7 @@ int Run(int argc, char** argv) {
   }
 #ifdef __x86_64__
   if (!__builtin_cpu_supports("fma")) {
-    std::fprintf(stderr, "itof_bench: the plain forms are built for a processor with FMA\n");
+    std::fprintf(stderr, "itof_bench: needs a processor with FMA, which the plain form is compiled for\n");
     return 2;
   }
 #endif

@@ -1,4 +1,4 @@
-// How much memory of this process is resident.
+// Reads how much memory of this process is resident.
 #ifndef ITOF_BENCH_RESIDENTMEMORY_H_
 #define ITOF_BENCH_RESIDENTMEMORY_H_
 
@@ -8,13 +8,14 @@
 
 namespace itofbench {
 
-/// The exact figure: that of /proc/self/statm may be off by as much as is looked for here. Throws std::runtime_error.
+/// Resident memory in KiB, exact: /proc/self/statm can be off by as much as the growth that callers look for. Throws
+/// std::runtime_error if it cannot be read.
 inline double ResidentKiB() {
   std::ifstream rollup("/proc/self/smaps_rollup");
   std::string word;
   double resident = 0;
   while (rollup >> word && word != "Rss:") continue;
-  if (!(rollup >> resident)) throw std::runtime_error("/proc/self/smaps_rollup: no resident size");
+  if (!(rollup >> resident)) throw std::runtime_error("/proc/self/smaps_rollup: cannot read the resident size");
   return resident;
 }
 

@@ -1,4 +1,4 @@
-// Long series of frames, watched from outside: clock, cores, page faults, resident memory.
+// Measures long series of frames: times on a pinned core, page faults and resident memory of the process.
 #include "steadiness.h"
 
 #include <benchmark/benchmark.h>
@@ -23,7 +23,7 @@ namespace {
 
 cpu_set_t Affinity() {
   cpu_set_t cores;
-  if (sched_getaffinity(0, sizeof cores, &cores) != 0) throw std::runtime_error("the process's cores are unknown");
+  if (sched_getaffinity(0, sizeof cores, &cores) != 0) throw std::runtime_error("cannot read the process's cores");
   return cores;
 }
 
@@ -31,21 +31,22 @@ void PinTo(size_t core) {
   cpu_set_t one;
   CPU_ZERO(&one);
   CPU_SET(core, &one);
-  if (sched_setaffinity(0, sizeof one, &one) != 0) throw std::runtime_error("the process cannot choose its core");
+  if (sched_setaffinity(0, sizeof one, &one) != 0) throw std::runtime_error("cannot pin this process to a core");
 }
 
-/// While it lives, a child process copies 64 MiB back and forth on a core. It dies with its parent.
+/// Runs a child process that copies 64 MiB back and forth on a core for the lifetime of this object. The child ends with
+/// its parent.
 class BusyNeighbour {
  public:
   explicit BusyNeighbour(size_t core) {
     const pid_t parent = getpid();
     child_ = fork();
-    if (child_ < 0) throw std::runtime_error("no second process");
+    if (child_ < 0) throw std::runtime_error("cannot start a second process");
     if (child_ != 0) return;
     try {
       KeepBusy(parent, core);
     } catch (const std::exception&) {
-      _exit(1);  // what fails in the child ends the child alone
+      _exit(1);  // an error in the child must not run the parent's code
     }
   }
   ~BusyNeighbour() {
@@ -59,7 +60,7 @@ class BusyNeighbour {
  private:
   [[noreturn]] static void KeepBusy(pid_t parent, size_t core) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (getppid() != parent) _exit(0);  // it died before it was asked to take the child along
+    if (getppid() != parent) _exit(0);  // the parent ended before the request above
     PinTo(core);
     std::vector<std::byte> here(size_t{64} << 20), there(here.size());
     for (;;) {
@@ -78,19 +79,19 @@ double PercentileOverMedian(std::vector<double>& seconds) {
   return seconds[seconds.size() * 99 / 100 - 1] / seconds[seconds.size() / 2];
 }
 
-Tail MeasureTail(const Workload& ours, const Workload& yardstick) {
+Tail MeasureTail(const Workload& ours, const Workload& reference) {
   constexpr int kWarmUp = 200, kRuns = 10'000;
   std::vector<double> a, b;
   for (int i = -kWarmUp; i < kRuns; ++i) {
-    const double oursTook = TimeOnce(ours), yardstickTook = TimeOnce(yardstick);
+    const double oursTook = TimeOnce(ours), referenceTook = TimeOnce(reference);
     if (i < 0) continue;
     a.push_back(oursTook);
-    b.push_back(yardstickTook);
+    b.push_back(referenceTook);
   }
   return {PercentileOverMedian(a), PercentileOverMedian(b)};
 }
 
-/// Page faults of this process so far.
+/// Page faults of this process since its start.
 long PageFaults() {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
@@ -99,17 +100,17 @@ long PageFaults() {
 
 }  // namespace
 
-Tails MeasureTails(const Workload& ours, const Workload& yardstick) {
+Tails MeasureTails(const Workload& ours, const Workload& reference) {
   const cpu_set_t before = Affinity();
   std::vector<size_t> cores;
   for (size_t core = 0; core < CPU_SETSIZE; ++core) {
     if (CPU_ISSET(core, &before)) cores.push_back(core);
   }
   PinTo(cores[0]);
-  Tails tails{MeasureTail(ours, yardstick), std::nullopt};
+  Tails tails{MeasureTail(ours, reference), std::nullopt};
   if (cores.size() > 1) {
     const BusyNeighbour neighbour(cores[1]);
-    tails.busy = MeasureTail(ours, yardstick);
+    tails.busy = MeasureTail(ours, reference);
     if (!neighbour.Lives()) throw std::runtime_error("the second process ended early");
   }
   sched_setaffinity(0, sizeof before, &before);
@@ -127,7 +128,7 @@ double PageFaultsPerFrame(const Workload& firstFrame, const Workload& laterFrame
 }
 
 double ResidentGrowth(const Workload& firstFrame, const Workload& laterFrame) {
-  double before = ResidentKiB();  // once for nothing: the reading's own code becomes resident, too
+  double before = ResidentKiB();  // the first reading makes its own code resident
   for (int frame = 1; frame <= 100'000; ++frame) {
     TimeOnce(frame % 100 == 1 ? firstFrame : laterFrame);
     if (frame == 1'000) before = ResidentKiB();

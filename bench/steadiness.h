@@ -1,4 +1,4 @@
-// What a median hides: how steady a frame's time is, and whether frames take memory.
+// Measures what a median hides: how much the time of a frame varies, and whether memory use grows.
 #ifndef ITOF_BENCH_STEADINESS_H_
 #define ITOF_BENCH_STEADINESS_H_
 
@@ -8,26 +8,26 @@
 
 namespace itofbench {
 
-/// 99th percentile over median of 10,000 runs of each of two workloads, which take turns.
+/// 99th percentile over median of two workloads, each over 10,000 runs that alternate with the other's.
 struct Tail {
   double ours;
-  double yardstick;
+  double reference;
 };
 
 struct Tails {
   Tail quiet;
-  /// With a second process that keeps another core and the memory busy; nothing where this process may use one core.
+  /// The same while a second process keeps another core and the memory busy; empty if this process may use only one core.
   std::optional<Tail> busy;
 };
 
-/// Both on one core. Throws std::runtime_error.
-Tails MeasureTails(const Workload& ours, const Workload& yardstick);
+/// Runs both workloads on one core. Throws std::runtime_error.
+Tails MeasureTails(const Workload& ours, const Workload& reference);
 
 /// Page faults per frame over 1,000 later frames of a run, after the run's first three.
 double PageFaultsPerFrame(const Workload& firstFrame, const Workload& laterFrame);
 
-/// KiB by which this process's resident memory grows from the 1,000th to the 100,000th frame, with a new run every 100.
-/// Throws std::runtime_error.
+/// Growth in KiB of this process's resident memory from the 1,000th to the 100,000th frame, with a new run every 100
+/// frames. Throws std::runtime_error.
 double ResidentGrowth(const Workload& firstFrame, const Workload& laterFrame);
 
 }  // namespace itofbench

@@ -1,5 +1,5 @@
-// Two workloads that are compared take turns in short bursts, so that whatever the machine does besides meets both; the
-// medians over many such rounds are what is compared.
+// Compares workloads with their references. The two run alternately in short bursts, so that other load on the machine
+// affects both; the result is the ratio of their medians over many rounds.
 #include "targets.h"
 
 #include <algorithm>
@@ -12,13 +12,13 @@
 namespace itofbench {
 namespace {
 
-/// How the time of a workload compares with that of another, and how it should.
+/// A workload, its reference, and the ratio of their times that is allowed (`limit`) and aimed for (`goal`).
 struct Comparison {
   const char* title;
   const char* ours;
-  const char* yardstick;
-  double bound;
-  double aim;
+  const char* reference;
+  double limit;
+  double goal;
 };
 
 constexpr Comparison kComparisons[] = {
@@ -28,12 +28,11 @@ constexpr Comparison kComparisons[] = {
     {"AlignmentFarPlane against cv::undistortPoints", "AlignmentFarPlane", "cv::undistortPoints", 1.0 / 5, 1.0 / 10},
     {"DistortLUT against cv::initUndistortRectifyMap", "DistortLUT", "cv::initUndistortRectifyMap", 1.3, 0.7},
 #endif
-    {"first frame of a run against the plain form of the same", "FirstFrame", "plain::FirstFrame", 1.0 / 5, 1.0 / 9},
-    {"steady frame against the plain form of the same", "SteadyFrame/simulated", "plain::SteadyFrame/simulated",
-     1.0 / 4, 1.0 / 6},
+    {"first frame of a run against its plain form", "FirstFrame", "plain::FirstFrame", 1.0 / 5, 1.0 / 9},
+    {"steady frame against its plain form", "SteadyFrame/simulated", "plain::SteadyFrame/simulated", 1.0 / 4, 1.0 / 6},
 };
 
-/// Seconds per run, over a burst of some milliseconds, one run at least.
+/// Seconds per run, over a burst of a few milliseconds and at least one run.
 double Burst(const Workload& workload) {
   constexpr double kLength = 0.012;
   double seconds = 0;
@@ -50,17 +49,17 @@ double Median(std::vector<double>& values) {
 /// Median seconds per run of two workloads.
 struct Times {
   double ours;
-  double yardstick;
+  double reference;
 };
 
-Times TakeTurns(const Workload& ours, const Workload& yardstick) {
+Times TakeTurns(const Workload& ours, const Workload& reference) {
   constexpr int kRounds = 31;
   std::vector<double> a, b;
   Burst(ours);
-  Burst(yardstick);
+  Burst(reference);
   for (int round = 0; round < kRounds; ++round) {
     a.push_back(Burst(ours));
-    b.push_back(Burst(yardstick));
+    b.push_back(Burst(reference));
   }
   return {Median(a), Median(b)};
 }
@@ -77,27 +76,27 @@ std::string Fraction(double value) { return Text("1/", 1 / value, 2, ""); }
 std::string PerFrame(double value) { return Text("", value, 3, ""); }
 std::string KiB(double value) { return Text("", value, 0, " KiB"); }
 
-void PrintRow(const char* title, const std::string& ours, const std::string& yardstick, const std::string& figure,
-              const std::string& bound, const std::string& aim, const char* verdict) {
-  std::printf("%-56s %9s %9s %9s %9s %8s  %s\n", title, ours.c_str(), yardstick.c_str(), figure.c_str(), bound.c_str(),
-              aim.c_str(), verdict);
+void PrintRow(const char* title, const std::string& ours, const std::string& reference, const std::string& figure,
+              const std::string& limit, const std::string& goal, const char* verdict) {
+  std::printf("%-56s %9s %9s %9s %9s %8s  %s\n", title, ours.c_str(), reference.c_str(), figure.c_str(), limit.c_str(),
+              goal.c_str(), verdict);
   std::fflush(stdout);
 }
 
-/// A figure, and what it should not exceed.
+/// A measured figure with its limit and goal.
 struct Target {
   double figure;
-  double bound;
-  double aim;
+  double limit;
+  double goal;
 };
 
-/// Prints a row and returns whether its bound holds. `format` is for the three numbers of the target.
-bool Judge(const char* title, const std::string& ours, const std::string& yardstick, const Target& target,
-           std::string (*format)(double)) {
-  const bool holds = target.figure <= target.bound;
-  PrintRow(title, ours, yardstick, format(target.figure), format(target.bound), format(target.aim),
-           holds ? "holds" : "MISSED");
-  return holds;
+/// Prints a row and returns whether the figure is within its limit. `format` formats the three numbers of the target.
+bool ReportTarget(const char* title, const std::string& ours, const std::string& reference, const Target& target,
+                  std::string (*format)(double)) {
+  const bool within = target.figure <= target.limit;
+  PrintRow(title, ours, reference, format(target.figure), format(target.limit), format(target.goal),
+           within ? "ok" : "EXCEEDED");
+  return within;
 }
 
 }  // namespace
@@ -109,29 +108,29 @@ bool MeasureTargets(const std::vector<Workload>& workloads) {
     const itoftool::Silence silence(stdout);
     return measure();
   };
-  silently([&] { return TimeOnce(firstFrame); });  // the tables of a run, for the later frames
+  silently([&] { return TimeOnce(firstFrame); });  // builds the run's tables for the steady frames
 
-  PrintRow("", "ours", "yardstick", "figure", "at least", "aim", "");
+  PrintRow("", "ours", "reference", "figure", "limit", "goal", "");
   bool all = true;
   for (const Comparison& c : kComparisons) {
-    const Times times = silently([&] { return TakeTurns(Find(workloads, c.ours), Find(workloads, c.yardstick)); });
-    all &= Judge(c.title, Milliseconds(times.ours), Milliseconds(times.yardstick),
-                 {times.ours / times.yardstick, c.bound, c.aim}, c.bound < 0.5 ? Fraction : Factor);
+    const Times times = silently([&] { return TakeTurns(Find(workloads, c.ours), Find(workloads, c.reference)); });
+    all &= ReportTarget(c.title, Milliseconds(times.ours), Milliseconds(times.reference),
+                        {times.ours / times.reference, c.limit, c.goal}, c.limit < 0.5 ? Fraction : Factor);
   }
 
   const Tails tails = silently([&] { return MeasureTails(steadyFrame, Find(workloads, "cv::remap")); });
   const auto& [quiet, busy] = tails;
-  all &= Judge("99th percentile over median, against that of cv::remap", Factor(quiet.ours), Factor(quiet.yardstick),
-               {quiet.ours / quiet.yardstick, 1.3, 1.0}, Factor);
+  all &= ReportTarget("99th percentile over median, against that of cv::remap", Factor(quiet.ours),
+                      Factor(quiet.reference), {quiet.ours / quiet.reference, 1.3, 1.0}, Factor);
   if (busy) {
-    PrintRow("  the same beside a busy process", Factor(busy->ours), Factor(busy->yardstick),
-             Factor(busy->ours / busy->yardstick), "-", "-", "");
+    PrintRow("  the same with a busy second process", Factor(busy->ours), Factor(busy->reference),
+             Factor(busy->ours / busy->reference), "-", "-", "");
   }
 
   const double faults = silently([&] { return PageFaultsPerFrame(firstFrame, steadyFrame); });
-  all &= Judge("page faults per steady frame, after the first three", "", "", {faults, 0, 0}, PerFrame);
+  all &= ReportTarget("page faults per steady frame, after the first three", "", "", {faults, 0, 0}, PerFrame);
   const double growth = silently([&] { return ResidentGrowth(firstFrame, steadyFrame); });
-  all &= Judge("growth of resident memory, frame 1,000 to 100,000", "", "", {growth, 64, 0}, KiB);
+  all &= ReportTarget("growth of resident memory, frame 1,000 to 100,000", "", "", {growth, 64, 0}, KiB);
   return all;
 }
 

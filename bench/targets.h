@@ -1,4 +1,4 @@
-// What the library's speed is held against.
+// Compares the library's speed with that of reference functions.
 #ifndef ITOF_BENCH_TARGETS_H_
 #define ITOF_BENCH_TARGETS_H_
 
@@ -8,9 +8,8 @@
 
 namespace itofbench {
 
-/// Measures the library beside its yardsticks and prints a row for each target: our figure, the bound that it must not
-/// exceed, what is aimed at, and whether the bound holds. Returns whether all do. Takes minutes. Throws
-/// std::runtime_error.
+/// Measures all targets and prints a row for each: the figure, the limit that it must not exceed, the goal, and whether
+/// the figure is within the limit. Returns whether all are. Takes minutes. Throws std::runtime_error.
 bool MeasureTargets(const std::vector<Workload>& workloads);
 
 }  // namespace itofbench

@@ -1,5 +1,5 @@
-// What there is to time: the library's steps and whole calls, their plain forms, and well-tuned functions of others that
-// do comparable work. All of it for one simulated camera pair, at the full frame size.
+// Provides the workloads to time: the library's steps and whole calls, their plain form, and well-tuned OpenCV functions
+// that do comparable work. All use one simulated camera pair and the full frame size.
 #ifndef ITOF_BENCH_WORKLOADS_H_
 #define ITOF_BENCH_WORKLOADS_H_
 
@@ -9,32 +9,32 @@
 
 namespace itofbench {
 
-/// Pixels that one run of any workload handles.
+/// Pixels that each workload processes.
 inline constexpr int kPixels = 640 * 360;
 
 struct Workload {
   std::string name;
   std::function<void()> run;
-  std::function<void()> prepare = [] {};  // comes before each run, and is no part of what is timed
+  std::function<void()> prepare = [] {};  // called before each run, not timed
 };
 
-/// All workloads, by these names (FRAME is "simulated", "noise", or "half_empty", the first with half of its pixels at
-/// depth 0; plain:: precedes the plain forms):
+/// Returns all workloads. Their names are as follows, where FRAME is "simulated", "noise" or "half_empty" (the simulated
+/// frame with half of its pixels at depth code 0); "plain::" precedes the names of the plain form:
 ///
 ///     RunApproximateAlignment/FRAME  AlignmentFarPlane  DistortLUT       the steps
-///     FillTargetTable  FindIdealCells                                    parts of the first of them
+///     FillTargetTable  FindIdealCells                                    parts of RunApproximateAlignment
 ///     SteadyFrame/FRAME  FirstFrame  itof_init                           calls of the whole library
-///     cv::remap  cv::undistortPoints  cv::initUndistortRectifyMap        the yardsticks
+///     cv::remap  cv::undistortPoints  cv::initUndistortRectifyMap        the references
 ///
-/// The last two of these only where OpenCV has its calib3d module.
-/// The library's lines go to standard output. SteadyFrame belongs after a frame since the last itof_init, which its own
-/// first run can be. Throws std::runtime_error.
+/// The last two exist only if OpenCV has its calib3d module. The library prints its lines to standard output. After
+/// itof_init, run FirstFrame or SteadyFrame once before timing SteadyFrame: that call builds the per-run tables. Throws
+/// std::runtime_error.
 std::vector<Workload> MakeWorkloads();
 
-/// The workload of that name, which must be there.
+/// Returns the workload with that name. Throws std::logic_error if there is none.
 const Workload& Find(const std::vector<Workload>& workloads, const std::string& name);
 
-/// Prepares and runs a workload once. Returns the seconds of the run alone.
+/// Prepares and runs a workload once. Returns the seconds that the run took, without the preparation.
 double TimeOnce(const Workload& workload);
 
 }  // namespace itofbench

@@ -1,5 +1,5 @@
-# Debian's development packages of OpenCV for two architectures lie side by side, all but the one with the file that
-# find_package looks for. This file takes that one's place for the modules that can be had so.
+# Replaces the OpenCVConfig.cmake of Debian's libopencv-dev for the arm64 modules core and imgproc. OpenCV's development
+# packages can be installed for two architectures at once, except libopencv-dev.
 find_path(OpenCV_INCLUDE_DIR opencv2/core.hpp PATH_SUFFIXES opencv4)
 set(OpenCV_FOUND TRUE)
 foreach(module core imgproc)
