@@ -12,13 +12,13 @@
  * That frame builds the tables of the run.
  *
  * Threads: the library starts none and locks nothing. Make one call at a time, from any thread. Do not unload the
- * library or exit the process while a call is running, and make no call after that has begun.
+ * library or exit the process while a call is running. Make no further call once unloading or exit has begun.
  *
- * Exceptions: if an allocation fails, std::bad_alloc leaves itof_init, or the first frame after the library was
- * loaded. A host written in C cannot catch it, and the process ends. Later frames allocate nothing.
+ * Exceptions: if an allocation fails, std::bad_alloc escapes from itof_init, or from the first itof_execute_algo after
+ * the library was loaded. A caller written in C cannot catch it, and the process ends. Later frames allocate nothing.
  *
- * Memory: itof_init allocates 4,846,416 bytes (four maps of 640 x 360 floats, one byte per pixel, and a table of 642 x
- * 362 32-bit integers). A repeated itof_init holds as much again while it runs. The first frame allocates another
+ * Memory: itof_init allocates 4,846,416 bytes (four maps of 640 x 360 floats, one byte per pixel, and a table of
+ * 642 x 362 32-bit integers). A repeated itof_init holds as much again while it runs. The first frame allocates another
  * 1,382,400 bytes for three copies of a frame; every frame overwrites them before it reads them. Both stay allocated
  * until the library is unloaded or the process exits. itof_deinit releases nothing.
  *
@@ -33,50 +33,52 @@
  *                           bits 10..8    confidence, 0..7
  *                           bits 7..0     bits 11..4 of the depth code; 0 means no depth
  *
- * A depth code counts the unit of length of the calibration file's translation, usually millimetres. It is measured
- * along the optical axis of the ToF camera.
+ * One depth code is one unit of length of the calibration file's translation, usually a millimetre, along the optical
+ * axis of the ToF camera.
  *
  *
  * The aligned frame
  * -----------------
- * - Depth comes in steps of 16 codes and wraps at 4096, because bit 12 of the code is lost: 4660 comes out as 560.
- *   Codes 0..15 and 4096..4111 come out as no depth.
- * - A word without depth may still hold a confidence. Test bits 7..0, not the whole word. A word of 0 is a cell that
- *   no pixel reached, or one reached by a pixel with neither depth nor confidence.
+ * A pixel is moved in two steps. First its ideal position is computed and rounded: its position in the ideal aux image,
+ * the picture that the aux camera would take without lens distortion, scaled by the run's ratio. Then the lens table,
+ * which has one entry for each pixel of that image, gives its position in the real picture. That position is truncated
+ * to a cell of the aligned frame.
+ *
+ * - Depth comes in steps of 16 codes and wraps at 4096, because bit 12 and the low four bits of the code are lost: 4660
+ *   comes out as 560. Codes 0..15 and 4096..4111 come out as no depth.
+ * - Test bits 7..0 for depth, not the whole word: a word without depth may still hold a confidence. A word of 0 is a
+ *   cell that no pixel reached, or one reached by a pixel with neither depth nor confidence.
  * - Pixels are moved into the aux camera's view, but their depth stays the distance along the ToF camera's axis.
  * - The view is always the whole 640 x 360 picture of the aux camera without zoom, including its lens distortion,
  *   whatever the ratio.
- * - Cell (u, v) holds positions in [u, u + 1) x [v, v + 1), where an integer is the centre of an aux pixel: positions
- *   are truncated, not rounded.
+ * - Cell (u, v) holds positions in [u, u + 1) x [v, v + 1), where an integer is the centre of an aux pixel.
  * - There is no occlusion test. If several pixels have one target, the last in row-major order stays.
- * - A pixel without depth goes to the cell of the last pixel with depth before it, in row-major order across the ends
- *   of rows, and replaces that pixel by its confidence without depth. If no pixel with depth comes before it, it goes
- *   where position (0, 0) of the ideal aux image leads.
+ * - A pixel without depth follows the last pixel with depth before it, in row-major order across the ends of rows: it
+ *   overwrites that pixel's cell with its own confidence and no depth. Before the first pixel with depth, that is the
+ *   cell of ideal position (0, 0).
  * - Cell (0, 0) collects the pixels whose ideal position has no entry in the lens table, because the lens puts that
  *   position outside the frame. The entries are 0 after itof_init. After itof_deinit they keep the values of earlier
  *   runs.
- * - Cells that no pixel rounds to stay 0. They show as thin lines where the aux camera sees a surface at a larger
- *   scale than the ToF camera does.
- *
- * The ideal aux image is the picture the aux camera would take without lens distortion, scaled by the run's ratio. The
- * lens table says for each of its pixels where that point lies in the real picture.
+ * - Cells that no pixel reaches stay 0. Thin lines of them cross every frame: because positions are rounded and then
+ *   truncated, two neighbouring pixels may share a cell and leave the next one empty.
  *
  *
  * The ratio
  * ---------
- * The ratio scales the ideal aux image on both axes. The lens table always has 640 x 360 entries and undoes the scale.
+ * The ratio scales the ideal aux image on both axes. The lens table always has 640 x 360 entries and maps back to the
+ * unscaled picture, so the output is never zoomed.
  *
  *     1                 no zoom; the normal case
- *     above 1           a finer table for a smaller part of the view: a ratio of 2 covers only the top-left quarter of
- *                       the view, and all other pixels are dropped
- *     between 0 and 1   a coarser table: only a share of about ratio squared of the cells can be reached
- *     0, infinite,      no table entry is written, and every pixel goes to one cell, that of position (0, 0) of the
- *     not a number      ideal image: cell (0, 0), or, after itof_deinit, the cell where an earlier run put it
- *     below 0           positions are mirrored about the top-left corner: pixels that the aux camera sees are dropped,
- *                       or land in one cell if they still round to row and column 0; points beyond its top and left
- *                       edges may appear
+ *     above 1           the table samples a smaller part of the view more finely: a ratio of 2 covers only the top-left
+ *                       quarter of the view, and all other pixels are dropped
+ *     between 0 and 1   the table samples the view more coarsely: only a share of about ratio squared of the cells can
+ *                       be reached
+ *     0, infinite,      no table entry is written, and every pixel goes to the cell of ideal position (0, 0). That is
+ *     not a number      cell (0, 0), or, after itof_deinit, the cell where an earlier run's table put it
+ *     below 0           positions are mirrored about the top-left corner. Pixels in view are dropped, except those that
+ *                       still round to ideal position (0, 0); points beyond the top and left edges may appear
  *
- * No ratio is refused, but only ratios of 1 and above are useful.
+ * The library refuses no ratio. Use 1 unless you want the finer table of a larger one.
  */
 #ifndef ITOFINTERFACE_H_
 #define ITOFINTERFACE_H_
@@ -102,7 +104,7 @@ extern "C" {
 
 /*
  * Reads the calibration of the camera pair from /vendor/lib64/camera/new_otp_simple.bin and builds the alignment
- * state. Ends the present run. Writes no log line.
+ * state. On success it ends the current run. Writes no log line.
  *
  * The file holds 57 little-endian entries of four bytes; bytes after these 228 are ignored. It is unusable if
  *   - an image size is not finite, is below 1 after truncation, or does not fit a 32-bit integer,
@@ -112,8 +114,8 @@ extern "C" {
  *
  * Returns ITOF_OK or one of the negative results above.
  *
- * After any other result, or an exception, the library is as it was before the call: a failed first call leaves it as
- * loaded; a failed later call leaves the calibration, the tables and the run in use.
+ * After any result other than ITOF_OK, or after an exception, the library is as it was before the call: a failed first
+ * call leaves it as loaded; a failed later call leaves the calibration, the tables and the run in use.
  *
  * Cost: one file read, and 5 MB of memory cleared.
  */
@@ -131,11 +133,12 @@ ITOF_API int32_t itof_init(void);
  * After an exception the frame and the library are as they were before the call.
  *
  * Prints one line, "cost time(distort) : <seconds> (s)", to standard output, and nothing switches that off. In a
- * daemon, open file descriptor 1 on /dev/null before the first frame. If it is closed, the next file that the process
- * opens gets number 1 and receives the lines. The performance lines in the framework's log have the framework's gates.
+ * daemon, open file descriptor 1 on /dev/null before the first frame. If descriptor 1 is closed, the next file that the
+ * process opens gets that number and receives the lines. The library also writes timing lines to the camera framework's
+ * log if the framework enables them (docs/android.md).
  *
- * Cost: one pass over the pixels. The first frame of a run also builds the tables and takes about five times as long.
- * docs/performance.md has figures.
+ * Cost: a few passes over the pixels. The first frame of a run also builds the tables and takes about five times as
+ * long. docs/performance.md has figures.
  */
 ITOF_API int32_t itof_execute_algo(uint16_t* frame, float ratio);
 

@@ -4,10 +4,11 @@
 
 #include <cstdint>
 
-/// The framework's log mask: each bit enables the lines of one component. Only the framework writes it.
+/// The framework's log mask: each bit enables the lines of one component. Owned by the framework; the library only
+/// reads it.
 extern uint64_t g_enableOrvxLogs;
 
-/// Lines are also copied to the Android log if this is 1. Only the framework writes it.
+/// Lines are also copied to the Android log if this is 1. Owned by the framework; the library only reads it.
 extern int g_enableSystemLog;
 
 namespace OrvoLog {

@@ -1,6 +1,6 @@
-// Finds the ideal cells of depth pixels. A cell is defined by double-precision arithmetic with two divisions per pixel.
-// An estimate in float arithmetic with one division handles twice as many pixels at once, and its error has a known
-// bound. Only pixels whose estimate lies closer to the edge of a cell than that bound are computed as defined.
+// Finds the ideal cells of depth pixels. A cell is defined by double-precision arithmetic with three divisions per
+// pixel. An estimate in float arithmetic with one division handles twice as many pixels at once, and its error has a
+// known bound. Only pixels whose estimate lies closer to the edge of a cell than that bound are computed as defined.
 #ifndef ITOF_ALIGNMENT_IDEALCELLS_H_
 #define ITOF_ALIGNMENT_IDEALCELLS_H_
 
