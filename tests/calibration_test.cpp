@@ -1,4 +1,4 @@
-// The way of the file's bytes into the parameters, and what is refused on it.
+// Checks how the calibration file's bytes become parameters, and which values are refused.
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -26,7 +26,7 @@ TEST(Calibration, EveryFieldComesFromItsPlaceInTheFile) {
   itof::FillAlignmentParams(record, params);
   const int32_t sizes[] = {params.tofCalibWidth, params.tofCalibHeight, params.auxCalibWidth, params.auxCalibHeight};
   EXPECT_EQ(std::vector<int32_t>(sizes, sizes + 4), (std::vector<int32_t>{1002, 1003, 1027, 1028}));
-  EXPECT_EQ(params.tofWidth, 0);  // the working sizes are not the file's
+  EXPECT_EQ(params.tofWidth, 0);  // working sizes do not come from the file
   const auto expectRun = [](const double* values, int count, double first) {
     for (int i = 0; i < count; ++i) EXPECT_EQ(values[i], first + i) << "entry " << i << " from " << first;
   };
@@ -38,21 +38,21 @@ TEST(Calibration, EveryFieldComesFromItsPlaceInTheFile) {
   for (int i = 0; i < 3; ++i) EXPECT_EQ(params.translation[i], (1022.75 + i) / 10.0);
 }
 
-TEST(Calibration, ConversionsCutFractionsAndDivideTheTranslation) {
+TEST(Calibration, ConversionCutsFractionsAndDividesTheTranslation) {
   itof::AlignmentParams params{};
   itof::FillAlignmentParams(Decode(IdentityCalibration({{2, -3e9F}, {3, -0.5F}, {23, -3}, {27, 3e9F}, {28, kNan}})),
                             params);
   const int32_t sizes[] = {params.tofCalibWidth, params.tofCalibHeight, params.auxCalibWidth, params.auxCalibHeight};
   EXPECT_EQ(std::vector<int32_t>(sizes, sizes + 4), (std::vector<int32_t>{-2147483647 - 1, 0, 2147483647, 0}));
-  EXPECT_EQ(params.translation[1], -0.3);  // -3.0 * 0.1 is one unit in the last place off
+  EXPECT_EQ(params.translation[1], -0.3);  // -3.0 * 0.1 differs in the last bit
 }
 
 TEST(Calibration, FaultsNameFieldAndPlace) {
   struct Case {
     size_t field;
     float value;
-    const char* name;   // of the refused field; null: the value is fine
-    const char* cause;  // part of it
+    const char* name;   // of the refused field; null if the value is accepted
+    const char* cause;  // part of the text
   };
   const Case cases[] = {
       {2, 639.9F, "tofCalibWidth", "640"},
@@ -76,7 +76,7 @@ TEST(Calibration, FaultsNameFieldAndPlace) {
   }
 }
 
-TEST(Calibration, NotANumberIsRefusedExactlyWhereTheGeometryUsesIt) {
+TEST(Calibration, EveryFieldThatTheGeometryUsesMustBeFinite) {
   for (size_t field = 0; field < 57; ++field) {
     const bool unused = field < 2 || field == 25 || field == 26 || field == 38 || field > 54;
     for (const float bad : {kNan, kInfinity, -kInfinity}) {

@@ -1,5 +1,4 @@
-// The maps of a run against OpenCV's lens functions, a judge that shares no code with them, and the entries that they
-// leave alone.
+// Compares the far-plane maps and the lens table with OpenCV's lens functions, which share no code with them.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,8 +16,8 @@ constexpr int32_t kWidth = 64;
 constexpr int32_t kHeight = 48;
 constexpr float kUntouched = -12345.0F;
 
-/// Two unlike cameras, turned by a few degrees, with lenses strong enough that every coefficient moves the corners by
-/// more than a float's rounding.
+/// Two different cameras, turned by a few degrees. Every lens coefficient moves the corners by more than the rounding of a
+/// float.
 AlignmentParams MakeRig() {
   // clang-format off
   return {.tofCalibWidth = 64, .tofCalibHeight = 48, .auxCalibWidth = 64, .auxCalibHeight = 48,
@@ -44,13 +43,12 @@ void ExpectNear(const Maps& maps, const std::vector<cv::Point2d>& expected, doub
   }
 }
 
-/// A camera matrix in a grid resized by the ratios: the outer edge of the first pixel, half a pixel before its centre,
-/// stays where it is.
+/// A camera matrix for a grid resized by the ratios. The outer edge of the first pixel, at -1/2, stays in place.
 cv::Matx33d AtRatio(const double (&k)[9], double x, double y) {
   return {k[0] * x, 0, (k[2] + 0.5) * x - 0.5, 0, k[4] * y, (k[5] + 0.5) * y - 0.5, 0, 0, 1};
 }
 
-/// After three rounds of undistortion, as a matrix `aux` sees it.
+/// The far-plane positions after three rounds of undistortion, for the aux matrix `aux`.
 std::vector<cv::Point2d> OpenCvFarPlane(const AlignmentParams& params, bool distortion, const cv::Matx33d& aux) {
   std::vector<cv::Point2d> pixels, seen;
   for (int i = 0; i < kWidth * kHeight; ++i) pixels.emplace_back(i % kWidth, i / kWidth);
@@ -60,10 +58,10 @@ std::vector<cv::Point2d> OpenCvFarPlane(const AlignmentParams& params, bool dist
   return seen;
 }
 
-TEST(FarPlane, LiesWhereOpenCvPutsIt) {
+TEST(FarPlane, EqualsOpenCvsPositions) {
   const AlignmentParams params = MakeRig();
-  // Half the step of a float below 256 pixels, and below 1e-6 for the translation, which OpenCV's points at infinity do
-  // not see: 2 * 57 pixels times 2.5 over the far plane's depth.
+  // Half the step of a float below 256 pixels, and less than 1e-6 for the translation, which OpenCV's points at infinity
+  // ignore: 2 * 57 pixels times 2.5 over the far plane's depth.
   constexpr double kTolerance = 0x1p-17 + 1e-6;
   const double ratios[][2] = {{1.0, 1.0}, {2.0, 2.0}, {0.75, 1.5}};
   for (const bool distortion : {false, true}) {
@@ -78,7 +76,7 @@ TEST(FarPlane, LiesWhereOpenCvPutsIt) {
   }
 }
 
-/// The table of the camera pair's aux camera at a ratio, with the distorted image's principal point where it is said.
+/// The lens table at a ratio, with (cx, cy) as the principal point of the distorted image.
 Maps Table(const AlignmentParams& params, double ratio, double cx, double cy) {
   AlignmentContext context{};
   InitAlignmentContext(context, params, 0);
@@ -90,7 +88,7 @@ Maps Table(const AlignmentParams& params, double ratio, double cx, double cy) {
   return maps;
 }
 
-TEST(DistortLUT, PutsPositionsWhereOpenCvDoesWithoutTheRatio) {
+TEST(DistortLUT, EqualsOpenCvsPositionsWithoutTheRatio) {
   const AlignmentParams params = MakeRig();
   for (const double ratio : {1.0, 2.0, 0.5}) {
     const Maps table = Table(params, ratio, params.auxIntrinsics[2], params.auxIntrinsics[5]);
@@ -106,19 +104,20 @@ TEST(DistortLUT, PutsPositionsWhereOpenCvDoesWithoutTheRatio) {
       if (!(p.x >= 0 && p.x < kWidth && p.y >= 0 && p.y < kHeight))
         p = cv::Point2d(cv::Point2f(kUntouched, kUntouched));
     }
-    ExpectNear(table, expected, 0x1p-19 + 1e-12);  // half the step of a float below 64 pixels, and doubles' last bits
+    ExpectNear(table, expected,
+               0x1p-19 + 1e-12);  // half the step of a float below 64 pixels, and the last bits of doubles
   }
 }
 
 TEST(DistortLUT, StoresFromZeroToJustBelowTheSize) {
-  // A pinhole whose numbers keep every step exact: (x, y) goes to (x + cx - 32, y + cy - 16).
+  // A pinhole camera with exact steps: (x, y) goes to (x + cx - 32, y + cy - 16).
   AlignmentParams params = MakeRig();
   const double camera[9] = {64, 0, 32, 0, 128, 16, 0, 0, 1};
   std::ranges::copy(camera, params.auxIntrinsics);
   std::ranges::fill(params.auxDistortion, 0.0);
   const struct {
     double cx, cy;
-    size_t column, row;  // ideal position asked for
+    size_t column, row;  // of the ideal cell
     float x, y;
   } cases[] = {
       {31, 15, 1, 1, 0.0F, 0.0F},
@@ -126,7 +125,8 @@ TEST(DistortLUT, StoresFromZeroToJustBelowTheSize) {
       {32, 16 - 0x1p-40, 0, 0, kUntouched, kUntouched},
       {33, 16, 63, 0, kUntouched, kUntouched},
       {32, 17, 0, 47, kUntouched, kUntouched},
-      {std::nextafter(64.0, 0.0), std::nextafter(48.0, 0.0), 32, 16, 64.0F, 48.0F},  // inside, and rounded outside
+      {std::nextafter(64.0, 0.0), std::nextafter(48.0, 0.0), 32, 16, 64.0F,
+       48.0F},  // inside, but rounded to the outside
       {32, std::nan(""), 32, 16, kUntouched, kUntouched},
   };
   for (const auto& c : cases) {

@@ -1,8 +1,11 @@
-// Where the host's stand-in finds the files of a device.
+// Checks the host's stand-ins: which files stand for those of a device, and which gates the environment opens.
+#include <dlfcn.h>
+#include <fnmatch.h>
 #include <gtest/gtest.h>
 #include <zerun/hostfiles.h>
 #include <zerun/osutils.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -12,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// What a path of the device leads to: its first `size` bytes, read in items of three.
+/// The first `size` bytes of the file that a device's path leads to, read in items of three.
 std::string Read(const std::string& path, size_t size) {
   FILE* file = Zerun::OsUtils::FOpen(path.c_str(), "rb");
   if (file == nullptr) return "(none)";
@@ -39,6 +42,35 @@ TEST(Platform, DevicePathsLeadToHostFiles) {
   EXPECT_EQ(Read("/device/file", 16), "3 device/file");
   unsetenv("ZERUN_HOST_ROOT");
   fs::remove_all(root);
+}
+
+TEST(Platform, EnvironmentOpensTheLogGates) {
+  const struct {
+    const char *logs, *systemLog;  // values of the environment variables
+    uint64_t mask;
+    int androidCopy;
+    const char* printed;  // a shell's pattern
+  } cases[] = {
+      {"262144", "1", 262144, 1, ""},
+      {"0x40000", "0", 262144, 0, ""},
+      {"", "", 0, 0, ""},
+      {"18446744073709551616", "1", 0, 1, "ORVO_ENABLE_LOGS: \"18446744073709551616\" *\n"},
+      {"2x", "-1", 0, 0, "ORVO_ENABLE_LOGS: \"2x\" *\nORVO_ENABLE_SYSTEM_LOG: \"-1\" *\n"},
+      {"1", "2147483648", 1, 0, "ORVO_ENABLE_SYSTEM_LOG: \"2147483648\" *\n"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.logs << ", " << c.systemLog);
+    setenv("ORVO_ENABLE_LOGS", c.logs, 1);
+    setenv("ORVO_ENABLE_SYSTEM_LOG", c.systemLog, 1);
+    testing::internal::CaptureStderr();
+    void* library = dlopen(ITOF_ORVOLOG_PATH, RTLD_NOW | RTLD_LOCAL);
+    const std::string printed = testing::internal::GetCapturedStderr();
+    ASSERT_NE(library, nullptr) << dlerror();
+    EXPECT_EQ(*static_cast<uint64_t*>(dlsym(library, "g_enableOrvxLogs")), c.mask);
+    EXPECT_EQ(*static_cast<int*>(dlsym(library, "g_enableSystemLog")), c.androidCopy);
+    EXPECT_EQ(fnmatch(c.printed, printed.c_str(), 0), 0) << printed;
+    EXPECT_EQ(dlclose(library), 0);
+  }
 }
 
 }  // namespace

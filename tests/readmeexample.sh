@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The README's example as a host runs it: with a calibration at the device's path it aligns a frame to the same words as
-# the tool does, and without one it says so. Usage: readmeexample.sh EXAMPLE TOOL
+# Runs the README's example as a host does. With a calibration at the device's path it must give the same words as the
+# tool; without one it must fail with a message. Usage: readmeexample.sh EXAMPLE TOOL
 set -euo pipefail
 example=$1
 tool=$2
@@ -10,7 +10,7 @@ trap 'rm -rf "$folder"' EXIT
 "$tool" simulate --output "$folder" --frames 1
 export ZERUN_HOST_ROOT=$folder
 if "$example" "$folder/frame_000.words.raw" "$folder/none.raw" 2>"$folder/message"; then
-  echo "the example went on without a calibration" >&2
+  echo "the example succeeded without a calibration" >&2
   exit 1
 fi
 grep -q "calibration" "$folder/message"

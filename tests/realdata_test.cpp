@@ -1,5 +1,5 @@
-// Real frames of real cameras, against words that a program of others computed. The data is not part of the project:
-// without the folder, the cases are skipped.
+// Compares real frames with aligned words from an independent program. The data is not part of the project; without it
+// the test is skipped.
 #include <gtest/gtest.h>
 
 #include <fstream>

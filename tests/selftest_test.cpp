@@ -1,21 +1,18 @@
-// The self-test's expected digests against those of the plain form, which they come from, and each build of the kernels
-// against them.
+// Compares the self-test's expected digests with the plain form and with every build of the kernels.
 #include "selftest/selftest.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <string>
-#include <string_view>
 
 #include "plain/plainsteps.h"
-#include "selftest/digest.h"
 #include "support/kernelbuildchoice.h"
 
 namespace itoftool::selftest {
 namespace {
 
-/// As they stand in expected.cpp.
+/// The digests as source text of expected.cpp.
 std::string SourceText(const Digests& all) {
   std::string text;
   for (const CaseDigests& digests : all) {
@@ -43,12 +40,6 @@ TEST(SelfTest, EveryKernelBuildGivesTheExpectedDigests) {
     (void)testing::internal::GetCapturedStdout();
     EXPECT_EQ(SourceText(digests), SourceText(kExpected)) << "kernel build " << static_cast<int>(build);
   }
-}
-
-TEST(SelfTest, DigestIsFnv1a) {
-  Digest digest;
-  for (const char c : std::string_view("foobar")) digest.Add(static_cast<uint8_t>(c));
-  EXPECT_EQ(digest.Value(), 0x85944171F73967E8) << "from the test vectors of FNV's authors";
 }
 
 }  // namespace

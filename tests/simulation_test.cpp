@@ -1,5 +1,5 @@
-// The whole library on simulated camera pairs, through the three public functions: every cell is compared with the depth
-// of the point that the aux camera sees there in a traced scene. The simulation shares no code with the alignment.
+// Aligns simulated frames through the three public functions and compares every cell with the depth of the point that the
+// aux camera sees there in a ray-traced scene. The simulation shares no code with the alignment.
 #include "simulation/simulation.h"
 
 #include <gtest/gtest.h>
@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <functional>
 #include <opencv2/calib3d.hpp>
 #include <random>
 #include <string>
@@ -16,6 +15,7 @@
 
 #include "itofinterface.h"
 #include "support/initlibrary.h"
+#include "support/mistakes.h"
 
 namespace {
 
@@ -25,10 +25,10 @@ using itof::CalibrationRecord;
 
 size_t Index(int u, int v) { return static_cast<size_t>(v) * kWidth + static_cast<size_t>(u); }
 
-// The judge, judged itself: its cameras against OpenCV's lens model and their own inverse.
+// Compares the simulation's camera with OpenCV's lens model and with its own inverse.
 void Check(const Camera& camera, float width, float height, const float* matrix, const float* distortion) {
   const cv::Mat k(3, 3, CV_32F, const_cast<float*>(matrix)), lens(1, 8, CV_32F, const_cast<float*>(distortion));
-  // Up to the outer corners of the frame, and in order: no ray belongs to a branch where the lens has folded.
+  // Up to the outer corners of the frame. Rays must be in order, since the lens must not fold inside the frame.
   for (double v = -0.5; v < kHeight; v += 15) {
     for (double u = -0.5; u < kWidth; u += 16) {
       SCOPED_TRACE(testing::Message() << width << ": (" << u << ", " << v << ")");
@@ -39,7 +39,7 @@ void Check(const Camera& camera, float width, float height, const float* matrix,
       ASSERT_TRUE(Ray(camera, {u + 0.5, v}).x > ray.x && Ray(camera, {u, v + 0.5}).y > ray.y);
       std::vector<cv::Point2d> expected;
       cv::projectPoints(std::vector{cv::Point3d(ray.x, ray.y, ray.z)}, cv::Vec3d(), cv::Vec3d(), k, lens, expected);
-      // The edges of the picture stay its edges at another resolution.
+      // Resizing keeps the picture's edges.
       ASSERT_NEAR((u + 0.5) / kWidth, (expected[0].x + 0.5) / static_cast<double>(width), 1e-9);
       ASSERT_NEAR((v + 0.5) / kHeight, (expected[0].y + 0.5) / static_cast<double>(height), 1e-9);
     }
@@ -53,7 +53,7 @@ TEST(SimulatedCameras, ProjectAsOpenCvDoesAndBack) {
   }
 }
 
-/// The aligned words of a frame of depth words, as a host would get them with this calibration.
+/// Aligns depth words as a host does.
 std::vector<uint16_t> Align(const CalibrationRecord& record, std::vector<uint16_t> words) {
   InitLibrary(record);
   EXPECT_EQ(itof_execute_algo(words.data(), 1.0F), 0);
@@ -62,20 +62,20 @@ std::vector<uint16_t> Align(const CalibrationRecord& record, std::vector<uint16_
 }
 
 struct Bounds {
-  double filled;  // at least: share of the cells that hold depth
-  double near;    // at least: share of these that hold the truth's step of 16 mm or one beside it, modulo 4096 mm
-  double shift;   // at most, in x and in y: pixels beside the truth, mean of the four quarters of the frame
-  double spread;  // at most: pixels, largest deviation of a quarter from that mean
+  double filled;  // minimum: share of the cells with depth
+  double near;    // minimum: share of these within one step of 16 mm of the truth, modulo 4096 mm
+  double shift;   // maximum in x and in y: distance to the truth in pixels, mean of the frame's four quarters
+  double spread;  // maximum: deviation of a quarter from that mean, pixels
 };
 
-/// Whether an aligned frame keeps the bounds, and a line with its figures, which is printed too.
+/// Tells whether an aligned frame keeps the bounds. Prints its figures.
 testing::AssertionResult Keeps(const char* name, const std::vector<uint16_t>& aligned,
                                const std::vector<uint16_t>& truth, const Bounds& bounds) {
   constexpr int kStep = 16, kWrap = 4096;
-  constexpr double kSteepest = 15, kFlattest = 2;  // slope in millimetres per pixel, and its change; more is an edge
-  constexpr double kSurface = 96;                  // a larger difference is another surface
+  constexpr double kSteepest = 15, kFlattest = 2;  // slope in millimetres per pixel, and its change; edges exceed them
+  constexpr double kSurface = 96;                  // larger differences are between surfaces
   double filled = 0, near = 0;
-  // The shift that explains the differences best, by least squares over the slopes of the surfaces.
+  // The shift that explains the differences best, from least squares over the slopes of the surfaces.
   cv::Matx22d squares[4];
   cv::Vec2d products[4];
   for (int v = 1; v < kHeight - 1; ++v) {
@@ -89,7 +89,7 @@ testing::AssertionResult Keeps(const char* name, const std::vector<uint16_t>& al
       const int left = truth[Index(u - 1, v)], right = truth[Index(u + 1, v)];
       const int above = truth[Index(u, v - 1)], below = truth[Index(u, v + 1)];
       const cv::Vec2d slope((right - left) / 2.0, (below - above) / 2.0);
-      // A step stands for the sixteen codes from step * 16 on.
+      // A step stands for sixteen codes from step * 16 on.
       const double difference = std::remainder(step * kStep + (kStep - 1) / 2.0 - depth, kWrap);
       if (cv::norm(slope, cv::NORM_INF) < kSteepest && std::abs(left + right - 2 * depth) <= kFlattest &&
           std::abs(above + below - 2 * depth) <= kFlattest && std::abs(difference) < kSurface) {
@@ -115,13 +115,12 @@ testing::AssertionResult Keeps(const char* name, const std::vector<uint16_t>& al
          << line;
 }
 
-// Measured: filled 0.86 and more, near 0.991, shift up to 0.07, spread up to 0.41 pixels. The spread has a cause in the
-// design: where the lens moves positions by less than a pixel, cutting them after rounding them once puts all of them
-// on one side, and on opposite sides of the lens's centre the sides differ. Of the faults below, half a pixel gives a
-// shift of at least 0.43, a third of a pixel 0.30; all others bring near below 0.60.
+// Measured: filled at least 0.86, near 0.991, shift up to 0.07, spread up to 0.41 pixels. The spread is by design: ideal
+// positions are rounded and distorted positions cut, so where the lens moves positions by less than a pixel they all fall
+// on one side, which differs between the two sides of the lens's centre.
 constexpr Bounds kGentleBounds{.filled = 0.8, .near = 0.985, .shift = 0.15, .spread = 0.5};
 
-// A parallax that leaves out the offset along the axis and the tilt is off by up to 3 pixels at the sides.
+// The parallax ignores the offset along the axis and the tilt, which costs up to 3 pixels at the sides.
 // Measured: filled 0.61, near 0.983, shift 0.33, spread 0.71.
 constexpr Bounds kStrongBounds{.filled = 0.5, .near = 0.95, .shift = 0.7, .spread = 1.2};
 
@@ -137,32 +136,24 @@ TEST(SimulatedScene, IsAlignedWithTheTruth) {
   EXPECT_TRUE(Keeps("measured depth, strong rig", aligned, Truth(strong, RoomScene(0)), kStrongBounds));
 }
 
-void Transpose(float (&m)[9]) { cv::transpose(cv::Mat(3, 3, CV_32F, m), cv::Mat(3, 3, CV_32F, m)); }
-
-/// From k1 k2 p1 p2 k3 to k1 k2 k3 p1 p2.
-void Misorder(float (&distortion)[8]) { std::rotate(distortion + 2, distortion + 4, distortion + 5); }
-
-// A fault in the calibration that the library is given is the same fault in its use of a right one.
-TEST(SimulatedScene, ShowsFaults) {
-  constexpr float kPixel = 3;  // pixels of the aux calibration to one of the frame
-  const std::pair<const char*, void (*)(CalibrationRecord&)> faults[] = {
-      {"rotation transposed", [](auto& r) { Transpose(r.rotation); }},
-      {"ToF coefficients in the order k1 k2 k3 p1 p2", [](auto& r) { Misorder(r.tofDistortion); }},
-      {"aux coefficients in the order k1 k2 k3 p1 p2", [](auto& r) { Misorder(r.auxDistortion); }},
-      {"translation negated", [](auto& r) { std::ranges::transform(r.translation, r.translation, std::negate()); }},
-      {"half a pixel to the right", [](auto& r) { r.auxIntrinsics[2] += kPixel / 2; }},
-      {"half a pixel down", [](auto& r) { r.auxIntrinsics[5] += kPixel / 2; }},
-      {"aux pixel centres unscaled",
-       [](auto& r) { r.auxIntrinsics[2] += kPixel / 3, r.auxIntrinsics[5] += kPixel / 3; }},
-  };
+// A wrong calibration has the same effect as the same mistake in the library.
+TEST(SimulatedScene, ShowsMistakes) {
+  constexpr float kPixel = 3;  // aux calibration pixels per frame pixel
+  std::vector<Mistake> mistakes(Mistakes().begin(), Mistakes().end());
+  mistakes.insert(
+      mistakes.end(),
+      {{"half a pixel to the right", [](CalibrationRecord& r) { r.auxIntrinsics[2] += kPixel / 2; }, ""},
+       {"half a pixel down", [](CalibrationRecord& r) { r.auxIntrinsics[5] += kPixel / 2; }, ""},
+       {"aux pixel centres unscaled",
+        [](CalibrationRecord& r) { r.auxIntrinsics[2] += kPixel / 3, r.auxIntrinsics[5] += kPixel / 3; }, ""}});
   const Rig rig = GentleRig();
   const Scene scene = RoomScene(0);
   const auto words = ExactDepthWords(rig, scene), truth = Truth(rig, scene), corners = Truth(rig, scene, 0);
-  EXPECT_FALSE(Keeps("cells taken for their top left corners", Align(rig.record, words), corners, kGentleBounds));
-  for (const auto& [name, inject] : faults) {
+  EXPECT_FALSE(Keeps("cells taken for their top-left corners", Align(rig.record, words), corners, kGentleBounds));
+  for (const Mistake& mistake : mistakes) {
     CalibrationRecord record = rig.record;
-    inject(record);
-    EXPECT_FALSE(Keeps(name, Align(record, words), truth, kGentleBounds));
+    mistake.make(record);
+    EXPECT_FALSE(Keeps(mistake.name, Align(record, words), truth, kGentleBounds));
   }
 }
 

@@ -1,5 +1,5 @@
-// Every step against its plain form, bit for bit, over sizes around the widths of vectors and over contexts that no
-// calibration would give: the library's steps may be written in any way that changes no bit.
+// Compares every alignment step with its plain form, bit for bit, at sizes around the widths of vectors and with contexts
+// that no calibration gives.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,18 +10,16 @@
 #include <cstring>
 #include <limits>
 #include <random>
+#include <string>
 #include <vector>
 
-#include "alignment/approximatealignment.h"
-#include "alignment/distortlut.h"
-#include "alignment/farplane.h"
 #include "alignment/grid.h"
 #include "alignment/idealcells.h"
-#include "alignment/matrixmultiply.h"
 #include "camera/lens.h"
 #include "plain/plainsteps.h"
 #include "support/floats.h"
 #include "support/kernelbuildchoice.h"
+#include "support/stepcomparison.h"
 
 namespace {
 
@@ -33,9 +31,9 @@ constexpr double kExtremes[] = {0.0,      -0.0,      -1.0,         0.5,     kNan
                                 0x1p31,   -0x1p31,   0x1p32,       -0x1p32, 1e-40,   5e-324,    3e38,
                                 -1.5e308, 1.79e-308, 2147483647.0, -1e-9,   1.0e150, 16777217.0};
 
+// kDistant has principal points about 2^35 pixels away. Positions are then small differences of large numbers, and a lost
+// last bit shows in the float maps.
 enum class Kind { kGentle, kDistant, kExtreme };
-// kDistant: principal points some 2^35 pixels away, so that positions are small differences of large numbers, in which a
-// last bit that was lost on the way shows; a float map would hide it otherwise.
 
 struct Random {
   double Between(double low, double high) { return std::uniform_real_distribution(low, high)(engine); }
@@ -45,38 +43,8 @@ struct Random {
   std::mt19937_64 engine{20240229};
 };
 
-// One output of a step twice, written by the library and by the plain form, each between sentinels of its own, whose
-// odd number leaves it off the alignment of vectors.
-template <typename T>
-class Output {
- public:
-  Output(int32_t width, int32_t height, T content) : size_(itof::PixelCount(width, height)) {
-    for (auto* all : {&library_, &plain_}) {
-      all->assign(size_ + 2 * kGuard, all == &library_ ? T{101} : T{55});
-      std::fill_n(all->data() + kGuard, size_, content);
-    }
-  }
-  T* Library() { return library_.data() + kGuard; }
-  T* Plain() { return plain_.data() + kGuard; }
-
-  void ExpectSame(const char* what) const {
-    for (size_t i = 0; i < library_.size(); ++i) {
-      const bool inside = i >= kGuard && i < kGuard + size_;
-      const T got = library_[i];
-      const T expected = inside ? plain_[i] : T{101};
-      ASSERT_TRUE(SameBits(got, expected) && (inside || plain_[i] == T{55}))
-          << what << ", entry " << static_cast<ptrdiff_t>(i - kGuard) << ": " << +got << " instead of " << +expected;
-    }
-  }
-
- private:
-  static constexpr size_t kGuard = 17;
-  size_t size_;
-  std::vector<T> library_, plain_;
-};
-
-// A context without buffers, and the ratios. Each camera model is near its camera matrix but not equal to it, so that a
-// step shows which of the two it reads.
+// A context without buffers, and the ratios. Each camera model differs slightly from its camera matrix, so that the result
+// depends on which of the two a step reads.
 struct Rig {
   AlignmentContext context{};
   double scaleX, scaleY;
@@ -111,8 +79,8 @@ Rig MakeRig(Random& random, Kind kind, int32_t width, int32_t height) {
   tof.fx = k[0] * 1.25, tof.fy = k[4] * 1.25, tof.cx = k[2] + 0.3, tof.cy = k[5] - 0.3;
   tof.invFx = 1.0 / tof.fx + 0x1p-80, tof.invFy = 1.0 / tof.fy - 0x1p-80;
 
-  // Moves the aux camera's centre until the far plane's first pixel is at 0: the first round leaves the error of a
-  // large float, the next ones none.
+  // Move the aux camera's centre until the far plane's first pixel is at 0. The first round leaves the error of a large
+  // float, the next ones none.
   params.tofWidth = params.tofHeight = 1;
   for (int round = 0; round < 3; ++round) {
     float x = 0.0F, y = 0.0F;
@@ -125,7 +93,7 @@ Rig MakeRig(Random& random, Kind kind, int32_t width, int32_t height) {
   params.auxWidth = random.Integer(-1, 2 * width + 3);
   params.auxHeight = random.Integer(-1, 2 * height + 3);
 
-  // The same for the distorted image, whose centre is to be where the grid's centre goes.
+  // Put the distorted image's centre where the grid's centre goes.
   const double* ratio = context.auxRatioIntrinsics;
   aux.fx = ratio[0] * random.Between(0.7, 1.3);
   aux.fy = ratio[4] * random.Between(0.7, 1.3);
@@ -145,8 +113,8 @@ void Spoil(Random& random, T& object, size_t offset = 0) {
   std::memcpy(reinterpret_cast<char*>(&object) + at, &extreme, sizeof extreme);
 }
 
-// A few numbers become extreme ones; or every pixel has one position midway between two floats, where the last bit of the
-// far plane's division shows; or every point lies in the plane of the aux camera, neither before nor behind it.
+// Makes a few numbers extreme; or gives every pixel one position midway between two floats, where the last bit of the far
+// plane's division shows; or puts every point into the plane of the aux camera, neither in front of it nor behind it.
 void MakeExtreme(Random& random, Rig& rig) {
   AlignmentContext& context = rig.context;
   if (random.OneIn(4)) {
@@ -166,41 +134,13 @@ void MakeExtreme(Random& random, Rig& rig) {
   if (random.OneIn(4)) Spoil(random, random.OneIn(2) ? rig.scaleX : rig.scaleY);
 }
 
-void CompareFarPlane(Rig& rig) {
-  AlignmentContext& context = rig.context;
-  Output<float> x(context.params.tofWidth, context.params.tofHeight, -7.5F);
-  Output<float> y(context.params.tofWidth, context.params.tofHeight, 8.25F);
-  Output<double> matrix(3, 3, 0.0);
-  itof::AlignmentFarPlane(context, x.Library(), y.Library(), rig.scaleX, rig.scaleY);
-  std::copy_n(context.auxRatioIntrinsics, 9, matrix.Library());
-  plain::AlignmentFarPlane(context, x.Plain(), y.Plain(), rig.scaleX, rig.scaleY);
-  std::copy_n(context.auxRatioIntrinsics, 9, matrix.Plain());
-  matrix.ExpectSame("aux matrix at the ratio");
-  x.ExpectSame("far-plane map x");
-  y.ExpectSame("far-plane map y");
-}
-
-// The number of entries stored, so that the caller can tell that the sweep is not empty.
-ptrdiff_t CompareDistortLUT(const Rig& rig) {
-  const itof::AlignmentParams& params = rig.context.params;
-  Output<float> x(params.tofWidth, params.tofHeight, -7.5F);
-  Output<float> y(params.tofWidth, params.tofHeight, 8.25F);
-  itof::DistortLUT(rig.context, x.Library(), y.Library());
-  plain::DistortLUT(rig.context, x.Plain(), y.Plain());
-  x.ExpectSame("distortion map x");
-  y.ExpectSame("distortion map y");
-  return std::count_if(x.Plain(), x.Plain() + itof::PixelCount(params.tofWidth, params.tofHeight),
-                       [](float entry) { return entry >= 0.0F; });
-}
-
-// Its maps are random ones: positions around the frames, on halves and integers too, some of them extreme, and many far
-// planes such that the ideal position is at the edge of a cell, or a few floats beside it.
-void CompareApproximateAlignment(Random& random, Rig& rig, Kind kind) {
-  AlignmentContext& context = rig.context;
+// Makes a frame with random maps: positions around the frames, also on halves and integers, some of them extreme, and many
+// far-plane positions whose ideal position lies on the edge of a cell or a few floats from it. Changes the parallax.
+StepFrame MakeFrame(Random& random, AlignmentContext& context, Kind kind) {
   itof::AlignmentParams& params = context.params;
   if (kind == Kind::kDistant) std::ranges::fill(context.auxRatioIntrinsics, random.Between(-40.0, 40.0));
   if (kind != Kind::kExtreme && random.OneIn(2)) {
-    // A parallax of up to the grid's width at codes of up to some thousands.
+    // A parallax of up to the grid's width at codes up to some thousands.
     for (double& t : params.translation) t *= random.Between(0.0, 4000.0);
   }
   const double parallax[2] = {context.auxRatioIntrinsics[0] * params.translation[0],
@@ -214,30 +154,29 @@ void CompareApproximateAlignment(Random& random, Rig& rig, Kind kind) {
     if (code == 0 || random.OneIn(2)) return position(side);
     return FloatsBeside(random.Integer(-1, side + 1) - 0.5 - p / (code / 10.0), random.Integer(-6, 6));
   };
-  std::array<std::vector<float>, 4> maps;
-  std::vector<uint16_t> frame;
+  StepFrame frame;
   for (size_t i = 0; i < itof::PixelCount(params.tofWidth, params.tofHeight); ++i) {
     const int32_t code = random.OneIn(4) ? 0 : random.Integer(1, random.OneIn(4) ? 20 : 8191);
-    frame.push_back(static_cast<uint16_t>(code | random.Integer(0, 7) << 13));
-    maps[0].push_back(farPlane(params.tofWidth, parallax[0], code));
-    maps[1].push_back(farPlane(params.tofHeight, parallax[1], code));
-    maps[2].push_back(position(params.tofWidth));
-    maps[3].push_back(position(params.tofHeight));
+    frame.words.push_back(static_cast<uint16_t>(code | random.Integer(0, 7) << 13));
+    frame.farX.push_back(farPlane(params.tofWidth, parallax[0], code));
+    frame.farY.push_back(farPlane(params.tofHeight, parallax[1], code));
+    frame.lensX.push_back(position(params.tofWidth));
+    frame.lensY.push_back(position(params.tofHeight));
   }
+  return frame;
+}
 
-  Output<uint16_t> working(params.auxWidth, params.auxHeight, 0xABCD);
-  Output<uint8_t> confidence(params.tofWidth, params.tofHeight, 0xEE);
-  const auto run = [&](auto step, uint16_t* workingBuffer, uint8_t* confidences) {
-    context.confidence.reset(confidences);
-    step(context, frame.data(), workingBuffer, maps[0].data(), maps[1].data(), maps[2].data(), maps[3].data());
-    (void)context.confidence.release();
-  };
-  testing::internal::CaptureStdout();
-  run(itof::RunApproximateAlignment, working.Library(), confidence.Library());
-  (void)testing::internal::GetCapturedStdout();
-  run(plain::RunApproximateAlignment, working.Plain(), confidence.Plain());
-  working.ExpectSame("working buffer");
-  confidence.ExpectSame("confidence");
+// Returns the first difference between the steps and their plain forms in one random context.
+std::string CompareSteps(Random& random, Kind kind, int32_t width, int32_t height, size_t& written) {
+  constexpr size_t kGuard = 17;  // odd, so that the outputs are not aligned as vectors are
+  Rig rig = MakeRig(random, kind, width, height);
+  if (kind == Kind::kExtreme) MakeExtreme(random, rig);
+  std::string difference = CompareFarPlane(rig.context, rig.scaleX, rig.scaleY, kGuard);
+  if (kind == Kind::kExtreme && random.OneIn(4)) Spoil(random, rig.context.auxRatioIntrinsics);
+  if (difference.empty()) difference = CompareDistortLUT(rig.context, kGuard, &written);
+  if (!difference.empty()) return difference;
+  const StepFrame frame = MakeFrame(random, rig.context, kind);
+  return CompareAlignment(rig.context, frame, random.OneIn(2), kGuard);
 }
 
 TEST(Sweep, StepsEqualTheirPlainForms) {
@@ -248,28 +187,24 @@ TEST(Sweep, StepsEqualTheirPlainForms) {
   for (const itof::KernelBuild build : KernelBuilds()) {
     g_kernelBuild = build;
     Random random;
-    ptrdiff_t stored = 0;
+    size_t written = 0;
     for (const auto& [width, height] : sizes) {
-      for (Kind kind : {Kind::kGentle, Kind::kDistant, Kind::kExtreme}) {
+      for (const Kind kind : {Kind::kGentle, Kind::kDistant, Kind::kExtreme}) {
         for (int round = 0; round < 8; ++round) {
-          SCOPED_TRACE(testing::Message() << width << " x " << height << ", kind " << static_cast<int>(kind)
-                                          << ", kernel build " << static_cast<int>(build));
-          Rig rig = MakeRig(random, kind, width, height);
-          if (kind == Kind::kExtreme) MakeExtreme(random, rig);
-          CompareFarPlane(rig);
-          if (kind == Kind::kExtreme && random.OneIn(4)) Spoil(random, rig.context.auxRatioIntrinsics);
-          stored += CompareDistortLUT(rig);
-          CompareApproximateAlignment(random, rig, kind);
-          if (HasFailure()) return;
+          testing::internal::CaptureStdout();
+          const std::string difference = CompareSteps(random, kind, width, height, written);
+          (void)testing::internal::GetCapturedStdout();
+          ASSERT_EQ(difference, "") << width << " x " << height << ", kind " << static_cast<int>(kind)
+                                    << ", kernel build " << static_cast<int>(build);
         }
       }
     }
-    EXPECT_GT(stored, 10000);
+    EXPECT_GT(written, 10000U);
   }
 }
 
-// Estimates of positions at edges, most of all of those whose parallax is about as large as the grid.
-TEST(Sweep, IdealCellsAreThoseOfTheDefinition) {
+// Positions at the edges of cells, mostly with a parallax about as large as the grid.
+TEST(Sweep, EstimatedIdealCellsEqualTheExactOnes) {
   Random random;
   const itof::Grid grid{640, 360};
   for (int block = 0; block < 10000; ++block) {
@@ -288,22 +223,6 @@ TEST(Sweep, IdealCellsAreThoseOfTheDefinition) {
     for (int i = 0; i < itof::kCellBlock; ++i) {
       ASSERT_EQ(cells[i], IdealCell(parallax, grid, words[i], farX[i], farY[i])) << "code " << words[i];
     }
-  }
-}
-
-TEST(Sweep, MatrixMultiplyEqualsItsPlainForm) {
-  Random random;
-  for (int i = 0; i < 4000; ++i) {
-    const int32_t rows = random.Integer(-1, 4), inner = random.Integer(-1, 9), cols = random.Integer(-1, 9);
-    const int32_t aRowLength = random.OneIn(2) ? inner : random.Integer(2, 12);
-    std::vector<double> a(48), b(81);
-    for (auto* matrix : {&a, &b}) {
-      for (double& number : *matrix) number = random.OneIn(40) ? random.Extreme() : random.Between(-1e3, 1e3);
-    }
-    Output<double> out(cols, rows, -3.0);
-    itof::MatrixMultiply(out.Library(), a.data(), b.data(), rows, aRowLength, inner, cols);
-    plain::MatrixMultiply(out.Plain(), a.data(), b.data(), rows, aRowLength, inner, cols);
-    out.ExpectSame("product");
   }
 }
 

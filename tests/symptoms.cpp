@@ -1,5 +1,5 @@
-// Prints what each mistake in a calibration does to the aligned pixels, as rows of docs/calibration.md: the simulated
-// pair's calibration, or that of a file, broken in each way, against the sound one. Usage: itof_symptoms [FILE]
+// Prints what each mistake in a calibration does to the aligned pixels, as rows of the table in docs/calibration.md.
+// Usage: itof_symptoms [FILE], with a sound calibration file in place of the simulated pair's
 #include <algorithm>
 #include <cstdio>
 #include <fstream>

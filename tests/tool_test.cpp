@@ -1,4 +1,4 @@
-// Aligning files with the built program: what it writes, and what it refuses.
+// Checks `itof align` and `itof simulate`: what they write and what they refuse.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -31,7 +31,7 @@ class ToolTest : public ToolRunner {
     Write("good.bin", CalibrationBytes(IdentityCalibration()));
     for (size_t i = 0; i < kPixels; ++i) {
       words_.push_back(static_cast<uint16_t>(i * 40503));
-      if (words_[i] % 8192 == 0) ++words_[i];  // a pixel without depth would not stay in its place
+      if (words_[i] % 8192 == 0) ++words_[i];  // a pixel without depth would not stay in place
     }
     Write("frame.raw", Bytes(words_));
   }
@@ -42,8 +42,8 @@ class ToolTest : public ToolRunner {
   Words words_;
 };
 
-TEST_F(ToolTest, EqualCamerasLeaveEveryWordInItsPlace) {
-  const Result result = Run("$align frame.raw", "ORVO_ENABLE_LOGS=0xffffffff");  // which counts with --log only
+TEST_F(ToolTest, EqualCamerasLeaveEveryWordInPlace) {
+  const Result result = Run("$align frame.raw", "ORVO_ENABLE_LOGS=0xffffffff");  // has an effect with --log only
   ASSERT_TRUE(result.code == 0 && result.err.empty()) << result.err;
   EXPECT_EQ(Files().size(), 3 + 4);
   Words expected, expectedDepth;
@@ -57,15 +57,21 @@ TEST_F(ToolTest, EqualCamerasLeaveEveryWordInItsPlace) {
   EXPECT_FALSE(cv::imread(folder_ / "out/frame.preview.png").empty());
 
   const auto json = nlohmann::json::parse(Read("out/alignment.json"));
-  // cx and cy are 320 and 180 in the file; cells begin at whole positions. The sum is sha256sum's.
+  // cx and cy are 320 and 180 in the file. Cells begin at whole positions. The checksum is from sha256sum.
   EXPECT_EQ(json["aux_camera"]["matrix"], nlohmann::json::parse("[[512,0,319.5],[0,512,179.5],[0,0,1]]"));
   EXPECT_EQ(json["calibration"]["sha256"], "ce063636bedbe63edb68623f72615a798af76b05300d2782594109d0e1618221");
   const auto zeros = static_cast<double>(std::ranges::count(expected, 0));
   EXPECT_EQ(json["frames"][0]["share_of_aux_pixels_reached"], 1 - zeros / double{kPixels});
 
-  const Result loud = Run("$align --log frame.raw");
-  EXPECT_NE(loud.err.find("\nE [ERROR][UNKNOWN] itofinterface.cpp:328 itof_execute_algo() "), std::string::npos)
-      << loud.err;
+  // Time, process, thread, priority and tag, as logcat prints them; then the framework's line.
+  const Result loud = Run("$align --log frame.raw", "ORVO_ENABLE_SYSTEM_LOG=1");
+  const std::string line = "itofinterface.cpp:307 itof_execute_algo() \\[Velmor_Perf] WarpTest * ms\n";
+  const std::string lines =
+      "[01][0-9]-[0-3][0-9] [0-2][0-9]:[0-5][0-9]:[0-6][0-9].[0-9][0-9][0-9] *[0-9] *[0-9] E OrvoX: "
+      "\\[ERROR]\\[UNKNOWN] " +
+      line + "E \\[ERROR]\\[UNKNOWN] " + line + "*";
+  EXPECT_EQ(fnmatch(lines.c_str(), loud.err.c_str(), 0), 0) << loud.err;
+  EXPECT_EQ(std::ranges::count(loud.err, '\n'), 10) << loud.err;
   EXPECT_TRUE(loud.out.starts_with("cost time(distort) : ")) << loud.out;
   EXPECT_EQ(result.out.find("cost time"), std::string::npos) << result.out;
 
@@ -81,7 +87,7 @@ TEST_F(ToolTest, AlignsMillimetresConfidenceAndWordsFromPng) {
   depth.at<uint16_t>(6, 20) = 8191;
   expected[6 * kWidth + 20] = AlignedWord(8191, 7);
   depth.at<uint16_t>(5, 10) = 8192;
-  // Beyond the range it has no depth, so it goes where the pixel before it went, and wipes that out.
+  // Beyond the range a pixel has no depth, so it goes where the pixel before it went, and replaces that one.
   expected[5 * kWidth + 9] = AlignedWord(0, 7);
   expected[5 * kWidth + 10] = 0;
   Write("far.PNG", depth);
@@ -100,7 +106,34 @@ TEST_F(ToolTest, AlignsMillimetresConfidenceAndWordsFromPng) {
   EXPECT_TRUE(Read("out/depth.aligned.raw") == Bytes(expected));
 }
 
-TEST_F(ToolTest, FailsWithOneLineAndKeepsWhatWasThere) {
+TEST_F(ToolTest, TakesACalibrationThroughAPipe) {
+  ASSERT_EQ(Run("$align frame.raw").code, 0);
+  const Result result = Run("align --calibration /dev/stdin --output pipe frame.raw", "cat good.bin |");
+  EXPECT_EQ(result.code, 0) << result.err;
+  EXPECT_TRUE(Read("pipe/frame.aligned.raw") == Read("out/frame.aligned.raw"));
+}
+
+TEST_F(ToolTest, SimulationsDependOnTheSeed) {
+  ASSERT_EQ(Run("simulate --frames 1 --seed 5 --output a").code, 0);
+  ASSERT_EQ(Run("simulate --frames 1 --seed 5 --output b").code, 0);
+  ASSERT_EQ(Run("simulate --frames 1 --seed 6 --output c").code, 0);
+  for (const fs::path name : {"calibration.bin", "frame_000.words.raw", "frame_000.aux.png", "frame_000.truth.png"}) {
+    EXPECT_FALSE(Read("a" / name).empty()) << name;
+    EXPECT_TRUE(Read("a" / name) == Read("b" / name)) << name;
+    EXPECT_EQ(Read("a" / name) == Read("c" / name), name != "frame_000.words.raw") << name;
+  }
+  for (const std::string seed : {"-1", "1.5", "18446744073709551616", "x"}) {
+    ExpectFailure(2, "simulate --frames 1 --output d --seed " + seed, ("--seed*" + seed).c_str());
+  }
+}
+
+// A test of its own, because the limit also keeps the tool from writing coverage counts.
+TEST_F(ToolTest, AFullDiskLeavesNothingBehind) {
+  // At most 450 blocks of 512 bytes: half of the aligned words.
+  ExpectFailure(1, "$align --ratio 2 frame.raw", "frame.aligned.raw*File too large", "ulimit -f 450 &&");
+}
+
+TEST_F(ToolTest, FailuresPrintOneLineAndChangeNoFile) {
   Write("short.bin", Read("good.bin").substr(1));
   Write("narrow.bin", CalibrationBytes(IdentityCalibration({{2, 512.0F}})));
   Write("new\nline.raw", Read("frame.raw").substr(1));
@@ -115,13 +148,12 @@ TEST_F(ToolTest, FailsWithOneLineAndKeepsWhatWasThere) {
 
   ExpectFailure(2, "align frame.raw", "--calibration");
   ExpectFailure(2, "$align --ratio 1e39 frame.raw", "--ratio* 1e+39");
-  ExpectFailure(2, "$align --kind feet frame.raw", "--kind*feet");
   ExpectFailure(2, "$align --kind millimetres frame.raw", "frame.raw*--kind");
   ExpectFailure(2, "$align frame.txt", "frame.txt*.raw");
   ExpectFailure(2, "$align --confidence depth.png frame.raw", "--confidence");
   ExpectFailure(2, "$align --aux aux.jpg --aux aux.jpg frame.raw", "--aux");
   ExpectFailure(2, "$align frame.raw ./frame.raw", "./frame.raw*frame.aligned.raw");
-  ExpectFailure(2, "$align out/frame.aligned.raw out/frame.raw", "frame.aligned.raw*write over");
+  ExpectFailure(2, "$align out/frame.aligned.raw out/frame.raw", "frame.aligned.raw*--output*overwrite");
   ExpectFailure(1, "$align frame.raw 'new\nline.raw'", "line.raw*460799*460800");
   ExpectFailure(1, "$align cut.png", "cut.png*damaged");
   ExpectFailure(1, "$align large.png", "large.png*640 x 480");
@@ -134,8 +166,6 @@ TEST_F(ToolTest, FailsWithOneLineAndKeepsWhatWasThere) {
   ExpectFailure(1, "align --calibration good.bin --output out/a/../b/ missing.raw", "missing.raw*No such file");
   ExpectFailure(1, "$align frame.raw >/dev/full", "standard output*No space");
   ExpectFailure(1, "$align depth.png", "depth.preview.png*directory");
-  // At most 450 blocks of 512 bytes: half of the aligned words.
-  ExpectFailure(1, "$align --ratio 2 frame.raw", "frame.aligned.raw*File too large", "ulimit -f 450 &&");
 }
 
 }  // namespace

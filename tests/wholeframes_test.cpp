@@ -1,4 +1,4 @@
-// Whole frames through the three public functions against their plain form, word for word.
+// Compares whole frames through the three public functions with the plain form, word for word.
 #include <gtest/gtest.h>
 
 #include <cstdint>

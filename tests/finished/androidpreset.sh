@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# The preset for devices, with something in place of the NDK (androidndk/): what an integrator does, up to the copying to
-# a device; then the library passes the checks of the finished file, and the self-test runs in an emulator.
-# Usage: androidpreset.sh SOURCE
+# Builds the preset for devices as an integrator does, with a stand-in for the NDK (androidndk/). Then checks the library
+# file and runs the self-test in an emulator. Usage: androidpreset.sh SOURCE
 set -euo pipefail
 source=$1
 

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# On a processor without the instructions of the vector build, emulated: the library picks the baseline, nothing asks for
-# an instruction that is not there, and the words are the same. Usage: olderprocessor.sh TOOL KERNELTEST
+# Runs the self-test and aligns a frame on an emulated processor without AVX2: the library must choose the baseline build,
+# use no missing instruction, and give the same words. Usage: olderprocessor.sh TOOL KERNELTEST
 set -euo pipefail
 tool=$1 kerneltest=$2
 
 if ! command -v qemu-x86_64 >/dev/null; then
-  echo "skipped: there is no qemu-x86_64 here (package qemu-user)"
+  echo "skipped: qemu-x86_64 is missing (package qemu-user)"
   exit 77
 fi
 older() { qemu-x86_64 -cpu Nehalem "$@"; }

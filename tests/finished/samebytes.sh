@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# The same sources in a folder of another name give the same file, byte for byte. Usage: samebytes.sh LIBRARY SOURCE PRESET
+# Builds the release preset from a copy of the sources in a folder with another name, and compares the library file byte
+# for byte. Usage: samebytes.sh BUILD PATH SOURCE, where PATH is the library's path in the build folder BUILD.
 set -euo pipefail
-library=$1 source=$2 preset=$3
+build=$1 path=$2 source=$3
 
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
@@ -9,9 +10,9 @@ copy="$folder/another folder of a longer name"
 mkdir "$copy"
 cp -r "$source"/{CMakeLists.txt,CMakePresets.json,cmake,platform,system} "$copy"
 cd "$copy"
-if ! { cmake --preset "$preset" -DITOF_BUILD_TOOLS=OFF -DITOF_BUILD_TESTS=OFF &&
-  cmake --build --preset "$preset" --target itof; } >"$folder/log" 2>&1; then
+if ! { cmake --preset release -DITOF_BUILD_TOOLS=OFF -DITOF_BUILD_TESTS=OFF &&
+  cmake --build --preset release --target itof; } >"$folder/log" 2>&1; then
   cat "$folder/log"
   exit 1
 fi
-cmp "$library" "build/$preset/${library#"$source/build/$preset/"}"
+cmp "$build/$path" "build/release/$path"

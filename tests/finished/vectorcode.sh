@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The vector build of the kernels in the finished file: what each is made of works on vectors, nothing but the rare exact
-# cell is left to a function of another build, and no other code has such instructions. Usage: vectorcode.sh LIBRARY
+# Checks the vector build of the kernels in the finished file: each kernel uses its vector instruction and calls no
+# function of another build except the rare exact cell, and no other code uses wide vectors. Usage: vectorcode.sh LIBRARY
 set -euo pipefail
 
 objdump --disassemble --demangle --no-show-raw-insn "$1" | awk '
@@ -17,10 +17,10 @@ objdump --disassemble --demangle --no-show-raw-insn "$1" | awk '
   }
   kernel == "" && /%ymm/ { fail("outside the kernels") }
   kernel != "" && /call.*itof::/ && !/itof::IdealCell/ { fail(kernel " calls") }
-  # The last pixels of a frame may fill no vector; the maps are made of whole blocks.
+  # The last pixels of a frame may not fill a vector. The maps are computed in whole blocks.
   kernel != "" && work[kernel] == "vdivpd" && /divsd / { fail(kernel " divides one by one") }
   kernel != "" && /%ymm/ && index($0, work[kernel] " ") { found[kernel] = 1 }
   END {
-    for (name in work) if (!failed && !found[name]) { print name ": no " work[name] " of vectors"; failed = 1 }
+    for (name in work) if (!failed && !found[name]) { print name ": no " work[name] " on vectors"; failed = 1 }
     exit failed
   }'

@@ -1,7 +1,6 @@
-// Any sequence of the three functions, while files appear, vanish, change and shorten, reads and allocations fail, and
-// clocks and gates hold anything. Beside the library runs a model of what its state has to be, with the library's steps
-// but none of its interface; words that differ, leaks and accesses out of bounds are faults. The interface's source is
-// part of this file, so that each sequence can begin with a library that is as loaded.
+// Fuzz target for sequences of the three functions, while files change, reads and allocations fail, and clocks and gates
+// have any value. A model, built from the library's steps, says what the library must do. This file includes the
+// interface's source, so that each sequence can start with a freshly loaded library.
 #include <orvolog/orvolog.h>
 
 #include <algorithm>
@@ -27,7 +26,7 @@ namespace {
 using Frame = std::vector<uint16_t>;
 constexpr size_t kPixels = size_t{ITOF_FRAME_WIDTH} * ITOF_FRAME_HEIGHT;
 
-/// A 2-D cv::Mat over memory that is there needs none of OpenCV's.
+/// Fails if the library takes memory from OpenCV. A 2-D cv::Mat over existing memory needs none.
 class NoAllocator : public cv::MatAllocator {
   static cv::UMatData* Refuse() {
     Require(false, "the library takes no memory from OpenCV");
@@ -44,10 +43,10 @@ std::string FileOf(const itof::CalibrationRecord& record) {
   return {reinterpret_cast<const char*>(&record), sizeof record};
 }
 
-/// What the library's state has to be.
+/// The state that the library must have.
 class Model {
  public:
-  /// The result of itof_init on the platform's present file.
+  /// The result of itof_init for the platform's present file.
   static int32_t InitResult() {
     const auto& file = g_platform.file;
     const size_t needed = itof::kCalibrationRecordSize;
@@ -92,7 +91,7 @@ class Model {
   bool hasAligned_ = false;
 };
 
-/// Puts the library back to where it was when it was loaded.
+/// Resets the library to the state in which it was loaded.
 void UnloadLibrary() {
   itof::alignment_params = {};
   itof::library_context.context = {};
@@ -102,12 +101,12 @@ void UnloadLibrary() {
   itof::aux_fl_ratio = 0;
 }
 
-/// What happens beside the functions.
+/// The files and frames that the actions choose from.
 struct World {
   const std::string files[4] = {FileOf(itoftool::simulation::GentleRig().record),
                                 FileOf(itoftool::simulation::StrongRig().record),
                                 CalibrationBytes(IdentityCalibration({{22, 20.0F}})),
-                                CalibrationBytes(IdentityCalibration({{2, 639.0F}}))};  // which is refused
+                                CalibrationBytes(IdentityCalibration({{2, 639.0F}}))};  // unusable
   Frame frames[2] = {Frame(kPixels), Frame(kPixels)};
   Frame expected;  // the first frame with the first calibration, in plain form
 
@@ -145,7 +144,7 @@ void ChangeFile(const CallInput& input, const World& world) {
   }
 }
 
-/// Any gates, and stamps that run backwards and wrap as well as forwards.
+/// Sets the gates, and stamps that run forwards, run backwards or wrap.
 void ChangeDiagnostics(const CallInput& input) {
   g_enableOrvxLogs = uint64_t{input.number} << 32 | input.number;
   g_enableSystemLog = input.choice % 3;
@@ -153,17 +152,17 @@ void ChangeDiagnostics(const CallInput& input) {
   for (uint64_t i = 0; i < 8; ++i) g_platform.stamps.push_back({g_enableOrvxLogs * i, ~g_enableOrvxLogs * i});
 }
 
-/// A frame through the library, or none if it throws, which must leave the frame alone.
+/// Aligns a frame. Returns nothing if the library throws, which must leave the frame unchanged.
 std::optional<Frame> Align(Frame frame, float ratio, int allocations) {
   const Frame before = frame;
-  if (Succeeds(allocations, [&] { Require(itof_execute_algo(frame.data(), ratio) == 0, "its result is 0"); })) {
+  if (Succeeds(allocations, [&] { Require(itof_execute_algo(frame.data(), ratio) == 0, "the result is 0"); })) {
     return frame;
   }
-  Require(frame == before, "a frame that fails stays as it was");
+  Require(frame == before, "a frame that fails is unchanged");
   return std::nullopt;
 }
 
-/// Makes one call, or changes the world.
+/// Makes one call or changes the surroundings.
 void Act(const CallInput& input, const World& world, Model& model) {
   switch (Action{static_cast<uint8_t>(static_cast<int>(input.action) % kActions)}) {
     case Action::kInit: {
@@ -171,9 +170,9 @@ void Act(const CallInput& input, const World& world, Model& model) {
       g_platform.events.clear();
       const bool succeeds = Succeeds(input.allocations, [&] { result = itof_init(); });
       Require(g_platform.openStreams == 0, "no file stays open");
-      Require(g_platform.events.empty(), "itof_init takes no stamp and writes no line");
+      Require(g_platform.events.empty(), "itof_init reads no clock and writes no line");
       if (!succeeds) break;
-      Require(result == Model::InitResult(), "itof_init says what is wrong");
+      Require(result == Model::InitResult(), "itof_init returns the model's result");
       if (result == ITOF_OK) model.Init();
       break;
     }
@@ -181,13 +180,13 @@ void Act(const CallInput& input, const World& world, Model& model) {
       const Frame& frame = world.frames[input.choice % 2];
       g_platform.events.clear();
       const auto words = Align(frame, input.ratio, input.allocations);
-      Require(model.IsInitialised() || g_platform.events.empty(), "before itof_init frames are refused in silence");
-      Require(words || model.MayAllocate(), "no frame but the first one takes memory");
+      Require(model.IsInitialised() || g_platform.events.empty(), "frames before itof_init cause no call");
+      Require(words || model.MayAllocate(), "only the first frame allocates");
       if (words) Require(*words == model.Aligned(frame, input.ratio), "the words are the model's");
       break;
     }
     case Action::kDeinit:
-      Require(Succeeds(0, itof_deinit), "itof_deinit takes no memory");
+      Require(Succeeds(0, itof_deinit), "itof_deinit allocates nothing");
       model.Deinit();
       break;
     case Action::kFile:
@@ -198,11 +197,11 @@ void Act(const CallInput& input, const World& world, Model& model) {
   }
 }
 
-/// Whatever has been before, a good calibration gives the right words.
+/// Requires that a good calibration gives the right words after any sequence.
 void AlignAfterAll(const World& world) {
   g_platform = {.file = world.files[0]};
-  Require(itof_init() == ITOF_OK, "a good calibration is taken in the end");
-  Require(Align(world.frames[0], 1.0F, -1) == world.expected, "and gives the right words");
+  Require(itof_init() == ITOF_OK, "a good calibration is accepted at the end");
+  Require(Align(world.frames[0], 1.0F, -1) == world.expected, "it gives the right words");
 }
 
 }  // namespace

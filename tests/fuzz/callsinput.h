@@ -1,4 +1,4 @@
-// What the bytes of an input of the calls' target are.
+// Declares the layout of an input of the fuzz target `calls`.
 #ifndef ITOF_TESTS_FUZZ_CALLSINPUT_H_
 #define ITOF_TESTS_FUZZ_CALLSINPUT_H_
 
@@ -11,19 +11,14 @@ inline constexpr int kActions = 5;
 enum class FileChange : uint8_t { kVanish, kReplace, kResize, kSetByte, kReadsFail, kReadsSucceed };
 inline constexpr int kFileChanges = 6;
 
-/// The input is a sequence of these. Numbers beyond what they choose from are taken modulo.
+/// The input is a sequence of these. Choices are taken modulo the number of possibilities.
 struct CallInput {
   Action action;
-  /// So many allocations of the call succeed; below 0: all.
-  int8_t allocations = -1;
-  /// Of a file: its change. Of an aligned frame: which of the two.
-  uint8_t choice = 0;
-  /// Of a changed byte: the byte.
-  uint8_t byte = 0;
-  /// Of a file: which one, its size, or the place in it.
-  uint32_t number = 0;
-  /// Of an aligned frame: the ratio.
-  float ratio = 1.0F;
+  int8_t allocations = -1;  // number of allocations that succeed in the call; below 0: all
+  uint8_t choice = 0;       // kFile: a FileChange; kAlign: which of two frames
+  uint8_t byte = 0;         // kSetByte: the new byte
+  uint32_t number = 0;      // kFile: which file, its size, or a position in it
+  float ratio = 1.0F;       // kAlign
 };
 static_assert(std::is_trivially_copyable_v<CallInput>);
 

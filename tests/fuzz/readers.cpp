@@ -1,4 +1,4 @@
-// Any file to each of the tool's readers: it is taken, or refused with an error of the tool's own.
+// Fuzz target for the tool's readers. Each of them accepts a file or refuses it with an error of the tool.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <span>
 #include <string>
 #include <vector>
@@ -23,7 +24,7 @@ namespace {
 
 using namespace itoftool;
 
-/// A file that is in memory only.
+/// A file in memory.
 class MemoryFile {
  public:
   MemoryFile(const uint8_t* data, size_t size) : descriptor_(memfd_create("input", MFD_CLOEXEC)) {
@@ -39,13 +40,13 @@ class MemoryFile {
   int descriptor_;
 };
 
-/// What is exported comes in again as the same record.
+/// Requires that the export of a record imports as the same record.
 void RequireRoundTrip(const itof::CalibrationRecord& record) {
   for (const char* name : {"a.yml", "a.xml", "a.json"}) {
     const std::string text = StereoFileText(PairOf(record), StereoFileFormat(name));
     const MemoryFile file(reinterpret_cast<const uint8_t*>(text.data()), text.size());
     const itof::CalibrationRecord again = RecordOf(ReadStereoFiles({file.Path()}, {}, {}), std::nullopt);
-    Require(std::memcmp(&again, &record, sizeof record) == 0, "an export comes in as what it was made of");
+    Require(std::memcmp(&again, &record, sizeof record) == 0, "an export imports as the same record");
   }
 }
 
@@ -58,52 +59,35 @@ void ReadStereo(const std::filesystem::path& path) {
   }
 }
 
-/// A frame without depth, for readers that need one beside their file.
+/// A frame without depth, for readers that need one in addition to their file.
 std::filesystem::path NoDepth() {
   static const std::vector<uint8_t> bytes = EncodePng(cv::Mat(360, 640, CV_16U, cv::Scalar(0)));
   static const MemoryFile file(bytes.data(), bytes.size());
   return file.Path();
 }
 
-void Read(int reader, const std::filesystem::path& path, std::span<const uint8_t> bytes) {
-  switch (reader) {
-    case 0:
-      ReadCalibrationFile(path);
-      break;
-    case 1:
-      CheckCalibration(bytes);
-      break;
-    case 2:
-      ReadStereo(path);
-      break;
-    case 3:
-      ReadDepthFrame(path, FrameFormat::kRawWords, {});
-      break;
-    case 4:
-      ReadDepthFrame(path, FrameFormat::kPngWords, {});
-      break;
-    case 5:
-      ReadDepthFrame(path, FrameFormat::kPngMillimetres, {});
-      break;
-    case 6:
-      ReadDepthFrame(NoDepth(), FrameFormat::kPngMillimetres, path);
-      break;
-    case 7:
+void (*const kReaders[])(const std::filesystem::path& path, std::span<const uint8_t> bytes) = {
+    [](const auto& path, auto) { (void)ReadCalibrationFile(path); },
+    [](const auto&, auto bytes) { (void)CheckCalibration(bytes); },
+    [](const auto& path, auto) { ReadStereo(path); },
+    [](const auto& path, auto) { (void)ReadDepthFrame(path, FrameFormat::kRawWords, {}); },
+    [](const auto& path, auto) { (void)ReadDepthFrame(path, FrameFormat::kPngWords, {}); },
+    [](const auto& path, auto) { (void)ReadDepthFrame(path, FrameFormat::kPngMillimetres, {}); },
+    [](const auto& path, auto) { (void)ReadDepthFrame(NoDepth(), FrameFormat::kPngMillimetres, path); },
+    [](const auto& path, auto) {
       RecordOf(ReadStereoFiles({path, path}, {}, {}), Window{0, 60, 640, 360});
-      break;
-    default:
-      ReadColourPicture(path);
-  }
-}
+    },
+    [](const auto& path, auto) { (void)ReadColourPicture(path); },
+};
 
 }  // namespace
 
-/// The first byte picks the reader, the rest is the file.
+/// The first byte chooses the reader, the rest is the file.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size == 0) return 0;
   const MemoryFile file(data + 1, size - 1);
   try {
-    Read(data[0] % 9, file.Path(), {data + 1, size - 1});
+    kReaders[data[0] % std::size(kReaders)](file.Path(), {data + 1, size - 1});
   } catch (const DataError&) {
   } catch (const UsageError&) {
   }

@@ -1,14 +1,14 @@
-// How a fuzz target says that something is wrong.
+// Reports a failure from a fuzz target.
 #ifndef ITOF_TESTS_FUZZ_REQUIRE_H_
 #define ITOF_TESTS_FUZZ_REQUIRE_H_
 
 #include <cstdio>
 #include <cstdlib>
 
-/// Ends the process, as the fuzzer wants it, unless `holds`.
+/// Aborts, which libFuzzer takes as a failure, unless `holds`.
 inline void Require(bool holds, const char* what) {
   if (holds) return;
-  std::fprintf(stderr, "not so: %s\n", what);
+  std::fprintf(stderr, "failed: %s\n", what);
   std::abort();
 }
 

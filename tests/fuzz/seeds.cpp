@@ -1,4 +1,4 @@
-// Writes what the fuzz targets begin with: inputs that get far, made of the simulated camera pairs.
+// Writes the inputs that the fuzz targets start from. They are made of the simulated camera pairs and reach most code.
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -49,7 +49,7 @@ std::vector<itof::CalibrationRecord> Records() {
   return records;
 }
 
-/// A camera pair's context at another frame size, and pixels around what it makes of them.
+/// An input of `steps`: a camera pair's context at another frame size, and pixels near positions of its maps.
 std::string StepsSeed(const itof::CalibrationRecord& record, int32_t width, int32_t height, std::mt19937& random) {
   StepsInput input{};
   input.params.tofWidth = input.params.auxWidth = width;
@@ -88,7 +88,7 @@ std::string StepsSeed(const itof::CalibrationRecord& record, int32_t width, int3
   return bytes;
 }
 
-/// Runs, ratios and calibrations that take turns, with each thing that can go wrong in their middle.
+/// Inputs of `calls`: alternating runs, ratios and calibrations, with each kind of failure in the middle.
 std::vector<std::string> CallSequences() {
   const auto init = [](int8_t allocations) { return CallInput{.action = Action::kInit, .allocations = allocations}; };
   const auto file = [](FileChange change, uint32_t number) {

@@ -1,4 +1,4 @@
-// What the bytes of an input of the steps' target are.
+// Declares the layout of an input of the fuzz target `steps`.
 #ifndef ITOF_TESTS_FUZZ_STEPSINPUT_H_
 #define ITOF_TESTS_FUZZ_STEPSINPUT_H_
 
@@ -7,24 +7,23 @@
 
 #include "alignment/alignmentcontext.h"
 
-/// The input begins with this.
+/// The start of the input.
 struct StepsInput {
-  itof::AlignmentParams params;  // the four working sizes are brought into a range that can be computed
+  itof::AlignmentParams params;  // the target limits the four working sizes
   uint8_t distortionEnabled;
-  /// The context is not that of `params`, but has the numbers below.
-  uint8_t ownNumbers;
-  /// The targets are prepared from the context's own distortion maps.
-  uint8_t preparedTargets;
+  uint8_t ownNumbers;       // if not 0, the context has the numbers below instead of those from `params`
+  uint8_t preparedTargets;  // if not 0, the targets are prepared
   double scaleX, scaleY;
   itof::CameraModel tofModel, auxModel;
   double auxRatioIntrinsics[9];
 };
 static_assert(std::is_trivially_copyable_v<StepsInput>);
 
-/// Any number of these follow. They are taken in turn for the pixels of the frame and of the maps.
+/// Any number of these follow. The pixels of the frame and the maps use them in turn.
 struct PixelInput {
   uint16_t word;
-  /// Not 0: the far-plane position is so many floats beside the edge of the cell below.
+  /// If not 0, the far-plane position is not `farPlane`, but puts the ideal position this number of floats from the edge
+  /// of `cell`.
   int8_t floatsFromEdge[2];
   int16_t cell[2];
   float farPlane[2];

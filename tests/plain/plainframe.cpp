@@ -1,4 +1,4 @@
-// Readable before fast, as the plain steps are: fresh storage for each frame, one word after the other.
+// Aligns a frame with the plain steps: fresh storage for each frame, one word after the other.
 #include "plain/plainframe.h"
 
 #include <cstring>

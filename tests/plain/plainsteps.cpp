@@ -1,5 +1,5 @@
-// Readable before fast: what the library's steps, however they are written, have to equal in every bit. A fused step is
-// std::fma, every other operation rounds on its own, and sums and products run left to right.
+// Defines every bit of the alignment steps, in readable form. Fused steps are std::fma; every other operation rounds
+// separately, and sums and products run from left to right.
 #include "plain/plainsteps.h"
 
 #include <cmath>
@@ -13,7 +13,7 @@ struct Position {
   double x, y;
 };
 
-// Toward zero; beyond the range the nearest limit, not-a-number 0.
+// Rounds toward zero. Values beyond the range give the nearest limit, not-a-number gives 0.
 int32_t TruncateToInt32(double value) {
   if (std::isnan(value)) return 0;
   if (value >= 2147483647.0) return std::numeric_limits<int32_t>::max();
@@ -21,7 +21,7 @@ int32_t TruncateToInt32(double value) {
   return static_cast<int32_t>(value);
 }
 
-// Resizes a camera matrix from the image it was calibrated with to the working frame.
+// Scales a camera matrix from its calibration image to the working frame.
 void ScaleIntrinsics(double* intrinsics, double scaleX, double scaleY) {
   const double scale[9] = {scaleX, 0.0,    (scaleX - 1.0) * 0.5,  //
                            0.0,    scaleY, (scaleY - 1.0) * 0.5,  //
@@ -35,7 +35,7 @@ itof::CameraModel MakeModel(const double* k, const double* d) {
   return {d[0], d[1], d[4], d[5], d[6], d[7], d[2], d[3], k[2], k[5], k[0], k[4], 1.0 / k[0], 1.0 / k[4]};
 }
 
-// Inverts the rational lens model by three rounds of its fixed-point iteration.
+// Inverts the rational lens model by three rounds of fixed-point iteration.
 Position Undistort(const itof::CameraModel& model, Position pixel) {
   const auto& [k1, k2, k3, k4, k5, k6, p1, p2, cx, cy, fx, fy, invFx, invFy] = model;
   const double x0 = (pixel.x - cx) * invFx;
@@ -172,7 +172,7 @@ int32_t RunApproximateAlignment(itof::AlignmentContext& context, const uint16_t*
       const int confidence = frame[i] >> 13;
       context.confidence[static_cast<size_t>(i)] = static_cast<uint8_t>(confidence);
 
-      // A pixel without depth stays at the position of the one before it.
+      // A pixel without depth uses the position of the pixel before it.
       const double depth = static_cast<double>(frame[i] & 0x1FFF) / 10.0;
       if (depth != 0.0) {
         yPos = (fy * ty) / depth + static_cast<double>(farPlaneMapY[i]);

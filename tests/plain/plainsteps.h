@@ -1,5 +1,5 @@
-// The alignment steps in their plainest form: one pixel after the other, each operation where its formula has it. The
-// library's steps are compared with these bit for bit, so nothing here calls the library.
+// Declares the plain form of the alignment steps: one pixel after the other, each operation as in its formula. Tests
+// compare the library with it bit for bit, so it calls no code of the library.
 #ifndef ITOF_TESTS_PLAIN_PLAINSTEPS_H_
 #define ITOF_TESTS_PLAIN_PLAINSTEPS_H_
 
@@ -9,8 +9,8 @@
 
 namespace plain {
 
-// Arguments, results and units are those of the functions of the same names in namespace itof, but
-// RunApproximateAlignment prints nothing, and InitAlignmentContext leaves out what only the library's steps use.
+// Arguments, results and units are those of the functions with the same names in namespace itof. RunApproximateAlignment
+// prints nothing, and InitAlignmentContext leaves the target table alone.
 
 void InitAlignmentContext(itof::AlignmentContext& context, const itof::AlignmentParams& params,
                           uint8_t distortionEnabled);

@@ -1,4 +1,4 @@
-// Calibration files for tests, field by field, without the record that the library decodes them with.
+// Builds calibration files for tests, field by field, without the library's record.
 #ifndef ITOF_TESTS_SUPPORT_CALIBRATIONBYTES_H_
 #define ITOF_TESTS_SUPPORT_CALIBRATIONBYTES_H_
 
@@ -11,8 +11,8 @@
 
 using CalibrationFields = std::array<float, 57>;
 
-/// Two equal cameras without distortion in one place, with exact numbers throughout: aligning changes no position.
-/// `changes` are fields by number and their values.
+/// Two equal cameras without distortion in one place; all numbers are exact, and aligning changes no position. `changes`
+/// gives fields by number other values.
 inline CalibrationFields IdentityCalibration(std::initializer_list<std::pair<size_t, float>> changes = {}) {
   CalibrationFields fields{};
   for (const size_t matrix : {4U, 29U}) {
@@ -29,7 +29,7 @@ inline CalibrationFields IdentityCalibration(std::initializer_list<std::pair<siz
   return fields;
 }
 
-/// The file that holds `fields`.
+/// The bytes of a file with `fields`.
 inline std::string CalibrationBytes(const CalibrationFields& fields) {
   std::string bytes;
   for (const float field : fields) {

@@ -1,4 +1,4 @@
-// Gives the library a calibration, as a device's file does.
+// Gives the library a calibration without a file.
 #ifndef ITOF_TESTS_SUPPORT_INITLIBRARY_H_
 #define ITOF_TESTS_SUPPORT_INITLIBRARY_H_
 
@@ -10,7 +10,7 @@
 #include "calibration/calibrationrecord.h"
 #include "itofinterface.h"
 
-/// Lets the library, on the host's stand-ins, read `record`.
+/// Calls itof_init with `record` at the device's path, through the host's stand-ins.
 inline void InitLibrary(const itof::CalibrationRecord& record) {
   const std::string bytes(reinterpret_cast<const char*>(&record), sizeof record);
   const ZerunHost::ServedFile file(itof::kCalibrationPath, bytes);

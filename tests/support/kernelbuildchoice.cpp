@@ -1,4 +1,4 @@
-// Linked in place of the library's kernelbuild.cpp.
+// Replaces the library's PickKernelBuild.
 #include "support/kernelbuildchoice.h"
 
 itof::KernelBuild g_kernelBuild = itof::KernelBuild::kBaseline;

@@ -1,4 +1,4 @@
-// Lets a test choose the build of the kernels, in place of the library's own choice by the processor.
+// Lets a test choose the build of the kernels. The library chooses by the processor.
 #ifndef ITOF_TESTS_SUPPORT_KERNELBUILDCHOICE_H_
 #define ITOF_TESTS_SUPPORT_KERNELBUILDCHOICE_H_
 
@@ -6,7 +6,7 @@
 
 #include "alignment/kernelbuild.h"
 
-/// The build in which the library's steps run from now on.
+/// The build that the library's steps use.
 extern itof::KernelBuild g_kernelBuild;
 
 /// The builds that this processor can run.

@@ -1,4 +1,4 @@
-// Each mistake is made as its maker would make it, by the wrong convention and not by a wrong number.
+// Makes each mistake as people make it: by a wrong convention, not by a wrong number.
 #include "support/mistakes.h"
 
 #include <algorithm>

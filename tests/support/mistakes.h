@@ -1,4 +1,4 @@
-// The ways in which calibration files go wrong, each as a change to a sound one.
+// Lists common mistakes in calibration files, each as a change to a sound calibration.
 #ifndef ITOF_TESTS_SUPPORT_MISTAKES_H_
 #define ITOF_TESTS_SUPPORT_MISTAKES_H_
 
@@ -9,10 +9,10 @@
 struct Mistake {
   const char* name;
   void (*make)(itof::CalibrationRecord& record);
-  const char* shape;  // what it does to aligned pixels, in words
+  const char* shape;  // how it shows in aligned pixels
 };
 
-/// Those that leave a file that the library accepts.
+/// Mistakes that the library accepts.
 std::span<const Mistake> Mistakes();
 
 #endif  // ITOF_TESTS_SUPPORT_MISTAKES_H_

@@ -1,4 +1,4 @@
-// The platform's functions as the tests want them: observable, and failing where they are told to.
+// Implements the device's libraries and the allocator for tests: calls are recorded and fail on demand.
 #include "support/recordingplatform.h"
 
 #include <android/log.h>
@@ -19,7 +19,7 @@ long g_allocationsUntilFailure = -1;
 
 namespace {
 
-/// While it lives, all allocations succeed: what is recorded is no part of what is tested.
+/// While it exists, all allocations succeed. The recording's own memory is not under test.
 class PlatformMemory {
  public:
   PlatformMemory() : saved_(std::exchange(g_allocationsUntilFailure, -1)) {}
@@ -31,7 +31,7 @@ class PlatformMemory {
   long saved_;
 };
 
-/// A file that hands out its bytes in pieces.
+/// A file that returns its bytes in pieces.
 struct Stream {
   std::string bytes;
   size_t readFailsAt;
@@ -131,7 +131,7 @@ void operator delete(void* memory) noexcept {
 
 void operator delete(void* memory, size_t) noexcept { operator delete(memory); }
 
-// Sanitizers have forms of their own for all that is not replaced, which would not come through the single ones.
+// Sanitizers replace the array forms if the program does not, and theirs do not call the single ones.
 void* operator new[](size_t size) { return operator new(size); }
 void operator delete[](void* memory) noexcept { operator delete(memory); }
 void operator delete[](void* memory, size_t) noexcept { operator delete(memory); }

@@ -1,4 +1,4 @@
-// A platform that records what the library asks of it and fails on demand; linked instead of the host's stand-ins.
+// Declares a platform that records the library's calls and fails on demand. It replaces the host's stand-ins.
 #ifndef ITOF_TESTS_SUPPORT_RECORDINGPLATFORM_H_
 #define ITOF_TESTS_SUPPORT_RECORDINGPLATFORM_H_
 
@@ -12,29 +12,29 @@
 #include <vector>
 
 struct RecordingPlatform {
-  /// What the calibration's path holds; nothing: opening it fails.
+  /// Content of the calibration file; without a value, opening it fails.
   std::optional<std::string> file{};
-  /// So many bytes can be read, and then reading fails.
+  /// Reading fails after this number of bytes.
   std::optional<size_t> readFailsAt{};
   std::vector<std::string> opened{};  // "path mode"
   int openStreams = 0;
 
-  /// Stamps that GetTime gives, in order; when they run out, it gives the last one again.
+  /// Stamps that GetTime gives, in order. It repeats the last one.
   std::deque<ZerunTime> stamps{};
-  /// In order: "clock" for each stamp, and each line as "android: ..." or "orvo: ...".
+  /// All calls in order: "clock" for each stamp, and each line as "android: ..." or "orvo: ...".
   std::vector<std::string> events{};
 };
 
-/// The platform that this process's library sees. Tests assign a fresh one.
+/// The platform of this process. Each test assigns a fresh one.
 extern RecordingPlatform g_platform;
 
-/// Allocations by operator new that are not freed yet.
+/// Number of allocations by operator new that are not freed yet.
 extern long g_liveAllocations;
-/// So many more allocations succeed, and all after them throw std::bad_alloc, but for the platform's own; below 0: none
-/// does.
+/// Number of allocations that still succeed before all others, except the platform's own, throw std::bad_alloc. Below 0,
+/// all succeed.
 extern long g_allocationsUntilFailure;
 
-/// Calls `function` while all allocations after the next `count` fail (below 0: none does). False: it threw for that.
+/// Calls `function` with only `count` allocations that succeed (below 0: all). Returns false if it threw std::bad_alloc.
 template <typename Function>
 bool Succeeds(long count, const Function& function) {
   g_allocationsUntilFailure = count;

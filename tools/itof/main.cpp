@@ -1,4 +1,4 @@
-// Entry point of the tool: finds the subcommand, and turns every failure into one line and an exit code.
+// Runs the subcommand of the command line, and turns every failure into one line and an exit code.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -20,7 +20,7 @@ namespace {
 constexpr int kDataFailure = 1;
 constexpr int kUsageFailure = 2;
 
-/// Prints the one line of a failure. File names and other libraries' texts may hold line ends.
+/// Prints a failure in one line. File names and messages of other libraries may contain line breaks.
 int Fail(int code, std::string text) {
   std::ranges::replace_if(
       text, [](unsigned char c) { return c < ' ' || c == 127; }, ' ');
@@ -28,20 +28,20 @@ int Fail(int code, std::string text) {
   return code;
 }
 
-/// A standard stream that the parent left closed would give its descriptor to the next file, and lines would go into
-/// that.
+/// Opens standard streams that the parent left closed. Otherwise the next file would get a stream's descriptor, and
+/// printed lines would go into that file.
 void OpenStandardStreams() {
   for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(descriptor, F_GETFD) < 0) open("/dev/null", O_RDWR);
   }
 }
 
-/// Throws what a command throws.
+/// Parses the command line and runs the command. Returns the exit code; throws for every failure.
 int Run(int argc, char** argv) {
   CLI::App app("Aligns depth frames of a time-of-flight camera with the view of a second camera.", "itof");
   app.set_version_flag("--version", std::string("itof " ITOF_VERSION ", " ITOF_BUILD_TYPE " build, ") +
                                         itof::KernelBuildName(itof::PickKernelBuild()));
-  // Not one at least, or the parser would ask for it where it should name the word that it does not know.
+  // If one were required, the parser would report it as missing instead of naming an unknown word.
   app.require_subcommand(0, 1);
 #ifdef ITOF_HAS_HOST_COMMANDS
   itoftool::AddAlignCommand(app);
@@ -57,7 +57,7 @@ int Run(int argc, char** argv) {
   }
   itoftool::RequireSubcommand(app);
   if (std::fflush(stdout) != 0) {
-    throw itoftool::DataError(std::string("standard output: ") + std::strerror(errno) + "; the files are written");
+    throw itoftool::DataError(std::string("standard output: ") + std::strerror(errno) + "; output files are complete");
   }
   return 0;
 }
@@ -66,7 +66,7 @@ int Run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   OpenStandardStreams();
-  // A reader that goes away and a file size limit show as failed writes, so that what is half done is cleared away.
+  // With these ignored, a closed pipe or a file size limit makes a write fail, and partial output is removed.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
   try {

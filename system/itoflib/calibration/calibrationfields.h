@@ -16,13 +16,13 @@ namespace itof {
 
 enum class FieldKind {
   kUnused,
-  kFrameWidth,    // of the image that the ToF matrix refers to; must be that of the frame
-  kImageSize,     // any other width or height, pixels
-  kCameraMatrix,  // 3x3 row-major, pixels
-  kRotation,      // 3x3 row-major
-  kTranslation,   // depth codes
-  kDistortion,    // k1, k2, p1, p2, k3, k4, k5, k6
-  kLogged,        // printed only
+  kTofImageWidth,  // width of the image that the ToF matrix refers to; must be that of the frame
+  kImageSize,      // any other width or height, pixels
+  kCameraMatrix,   // 3x3 row-major, pixels
+  kRotation,       // 3x3 row-major
+  kTranslation,    // depth codes
+  kDistortion,     // k1, k2, p1, p2, k3, k4, k5, k6
+  kLogged,         // printed only
 };
 
 /// A field of CalibrationRecord: `count` entries of four bytes, which are floats unless the field is unused.
@@ -38,7 +38,7 @@ struct CalibrationField {
 inline constexpr CalibrationField kCalibrationFields[] = {
     {ITOF_FIELD(word0), FieldKind::kUnused},
     {ITOF_FIELD(word1), FieldKind::kUnused},
-    {ITOF_FIELD(tofCalibWidth), FieldKind::kFrameWidth},
+    {ITOF_FIELD(tofCalibWidth), FieldKind::kTofImageWidth},
     {ITOF_FIELD(tofCalibHeight), FieldKind::kImageSize},
     {ITOF_FIELD(tofIntrinsics), FieldKind::kCameraMatrix},
     {ITOF_FIELD(rotation), FieldKind::kRotation},

@@ -1,5 +1,5 @@
-// Vectors and rotations of the simulation. Arithmetic and square roots only: their results are the same bits on every
-// machine, which those of a math library's functions are not.
+// Defines points, vectors and 3x3 matrices. Uses only arithmetic and square roots, because other math functions give
+// different bits on different machines.
 #ifndef ITOF_TOOL_CAMERA_GEOMETRY_H_
 #define ITOF_TOOL_CAMERA_GEOMETRY_H_
 
@@ -47,8 +47,8 @@ constexpr Mat3 operator*(const Mat3& a, const Mat3& b) {
   return {{x.x, y.x, z.x, x.y, y.y, z.y, x.z, y.z, z.z}};
 }
 
-/// The rotation of the quaternion (1, x, y, z), brought to unit length: about the axis (x, y, z), by twice the arc
-/// tangent of its length.
+/// The rotation of the quaternion (1, x, y, z), normalised: about the axis (x, y, z), by twice the arc tangent of the
+/// axis's length.
 inline Mat3 Rotation(double x, double y, double z) {
   const double s = 2 / (1 + x * x + y * y + z * z);
   return {{1 - s * (y * y + z * z), s * (x * y - z), s * (x * z + y),  //

@@ -1,5 +1,5 @@
-// The lens model and its exact inverse. An inverse of a few fixed-point rounds would share the error of alignments that
-// make do with it, and so hide it.
+// Evaluates the lens model, and inverts it by Newton's method. The alignment inverts it by a few fixed-point rounds; a
+// check that did the same would share their error and miss it.
 #include "camera/lens.h"
 
 #include <cmath>
@@ -11,7 +11,7 @@
 namespace itoftool {
 namespace {
 
-/// A distorted position, and its derivatives by the ideal one. The matrix of these is symmetric.
+/// A distorted position, and its derivatives with respect to the ideal one. Their matrix is symmetric.
 struct Distortion {
   Point2 position;
   double xx, xy, yy;
@@ -24,7 +24,7 @@ Distortion Evaluate(const Lens& lens, Point2 ideal) {
   const double numerator = 1 + r2 * (k1 + r2 * (k2 + r2 * k3));
   const double denominator = 1 + r2 * (k4 + r2 * (k5 + r2 * k6));
   const double radial = numerator / denominator;
-  const double slope =  // of the radial factor, by r2
+  const double slope =  // of the radial factor, with respect to r2
       (k1 + r2 * (2 * k2 + r2 * 3 * k3) - radial * (k4 + r2 * (2 * k5 + r2 * 3 * k6))) / denominator;
   return {.position = {x * radial + 2 * p1 * x * y + p2 * (r2 + 2 * x * x),
                        y * radial + p1 * (r2 + 2 * y * y) + 2 * p2 * x * y},
@@ -33,15 +33,15 @@ Distortion Evaluate(const Lens& lens, Point2 ideal) {
           .yy = radial + 2 * y * y * slope + 6 * p1 * y + 2 * p2 * x};
 }
 
-/// Whether the radial model is sound at a radius: the denominator is well above zero, and the distorted radius grows.
-bool Holds(const Lens& lens, double radius) {
+/// True if the radial model is valid at a radius: the denominator is well above zero, and the distorted radius grows.
+bool IsValidAt(const Lens& lens, double radius) {
   constexpr double kNearZero = 0.01;
   const double r2 = radius * radius;
   const double numerator = 1 + r2 * (lens.k1 + r2 * (lens.k2 + r2 * lens.k3));
   const double denominator = 1 + r2 * (lens.k4 + r2 * (lens.k5 + r2 * lens.k6));
-  const double numeratorSlope = lens.k1 + r2 * (2 * lens.k2 + r2 * 3 * lens.k3);  // by r2
+  const double numeratorSlope = lens.k1 + r2 * (2 * lens.k2 + r2 * 3 * lens.k3);  // with respect to r2
   const double denominatorSlope = lens.k4 + r2 * (2 * lens.k5 + r2 * 3 * lens.k6);
-  // The derivative of r * numerator / denominator, times the denominator's square.
+  // The derivative of r * numerator / denominator, times the square of the denominator.
   const double growth =
       numerator * denominator + 2 * r2 * (numeratorSlope * denominator - numerator * denominatorSlope);
   return denominator > kNearZero && growth > 0;
@@ -73,12 +73,12 @@ double LensReach(const Lens& lens) {
   constexpr int kSteps = 8900;
   const auto radius = [](int step) { return std::tan(step * (std::numbers::pi / 180 / 100)); };
   int step = 1;
-  while (step <= kSteps && Holds(lens, radius(step))) ++step;
+  while (step <= kSteps && IsValidAt(lens, radius(step))) ++step;
   if (step > kSteps) return std::numeric_limits<double>::infinity();
   double low = radius(step - 1), high = radius(step);
   for (int round = 0; round < 40; ++round) {
     const double middle = (low + high) / 2;
-    (Holds(lens, middle) ? low : high) = middle;
+    (IsValidAt(lens, middle) ? low : high) = middle;
   }
   return low;
 }

@@ -1,4 +1,4 @@
-// A camera with a real lens, in both directions: from a point to its pixel, and back along the ray.
+// Models a camera with a real lens exactly, in both directions: from a point to its pixel, and from a pixel to its ray.
 #ifndef ITOF_TOOL_CAMERA_LENS_H_
 #define ITOF_TOOL_CAMERA_LENS_H_
 
@@ -15,15 +15,16 @@ struct Lens {
   double k1, k2, k3, k4, k5, k6, p1, p2;
 };
 
-/// Where the lens puts an ideal position. Both on the plane z = 1.
+/// The distorted position of an ideal position. Both are on the plane z = 1.
 Point2 Distort(const Lens& lens, Point2 ideal);
 
-/// The inverse, to rounding accuracy; nothing if Newton's method does not converge, or finds the lens folding the
-/// picture over on its way.
+/// The ideal position of a distorted one, to rounding accuracy; nothing if Newton's method does not converge or reaches
+/// a place where the lens folds the picture.
 std::optional<Point2> Undistort(const Lens& lens, Point2 distorted);
 
-/// How far off the axis, as a radius on the plane z = 1, a lens model holds: from there on its denominator is near zero,
-/// or the distorted radius no longer grows. Infinite if it holds up to 89 degrees. Tangential terms are left out.
+/// The radius on the plane z = 1 up to which a lens model is valid: there its denominator comes near zero, or the
+/// distorted radius stops growing. Infinite if the model is valid up to 89 degrees off the axis. Ignores the tangential
+/// terms.
 double LensReach(const Lens& lens);
 
 /// A camera: focal lengths and principal point in pixels (integer coordinates are pixel centres), and a lens.
@@ -32,11 +33,11 @@ struct Camera {
   Lens lens;
 };
 
-/// The pixel position at which the camera sees a point of its own frame (z > 0).
+/// The pixel position at which the camera sees a point, given in the camera's coordinates with z > 0.
 Point2 Project(const Camera& camera, const Vec3& point);
 
-/// The ray, with z = 1, along which the camera sees what it shows at a pixel position. Throws std::domain_error where
-/// the lens has no inverse.
+/// The ray, with z = 1 in the camera's coordinates, that the camera sees at a pixel position. Throws std::domain_error
+/// if the lens has no inverse there.
 Vec3 Ray(const Camera& camera, Point2 position);
 
 }  // namespace itoftool

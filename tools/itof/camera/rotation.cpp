@@ -1,4 +1,4 @@
-// Measures angles by formulas that stay accurate for small ones.
+// Measures angles with formulas that stay accurate for small angles.
 #include "camera/rotation.h"
 
 #include <cmath>
@@ -15,7 +15,7 @@ double OrthonormalityError(const cv::Matx33d& matrix) {
 }
 
 double RotationAngle(const cv::Matx33d& r) {
-  // From the skew part, too, since the trace alone hardly tells small angles.
+  // The trace alone is inaccurate for small angles, so the skew-symmetric part gives the sine.
   const double twiceSine = std::hypot(r(2, 1) - r(1, 2), r(0, 2) - r(2, 0), r(1, 0) - r(0, 1));
   return std::atan2(twiceSine, cv::trace(r) - 1) * (180 / std::numbers::pi);
 }

@@ -1,4 +1,4 @@
-// Angles between rays and of rotations, and whether a matrix is a rotation.
+// Measures the angle between rays, the angle of a rotation, and how far a matrix is from a rotation.
 #ifndef ITOF_TOOL_CAMERA_ROTATION_H_
 #define ITOF_TOOL_CAMERA_ROTATION_H_
 
@@ -6,14 +6,14 @@
 
 namespace itoftool {
 
-/// Degrees between two rays.
+/// The angle between two rays, in degrees.
 double Angle(const cv::Vec3d& a, const cv::Vec3d& b);
 
-/// How far a matrix is from a rotation or a mirror: the largest entry of R times its transpose less the identity.
+/// How far a matrix R is from a rotation or a reflection: the largest absolute entry of R R^T - I.
 double OrthonormalityError(const cv::Matx33d& matrix);
-inline constexpr double kOrthonormal = 1e-3;  // up to this error it counts as one
+inline constexpr double kOrthonormal = 1e-3;  // up to this error a matrix counts as orthonormal
 
-/// The angle in degrees by which a rotation turns, 0 to 180.
+/// The angle of a rotation in degrees, 0 to 180.
 double RotationAngle(const cv::Matx33d& rotation);
 
 }  // namespace itoftool

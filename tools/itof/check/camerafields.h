@@ -1,35 +1,49 @@
-// The fields of one camera in a calibration record, so that both cameras are judged by the same code.
+// Reads the fields of one camera from a calibration record, and writes them back, so that the same code checks both
+// cameras.
 #ifndef ITOF_TOOL_CHECK_CAMERAFIELDS_H_
 #define ITOF_TOOL_CHECK_CAMERAFIELDS_H_
 
+#include <algorithm>
 #include <cmath>
 
 #include "calibration/calibrationrecord.h"
 
 namespace itoftool {
 
-/// Refers into a record that may be changed.
-struct CameraFields {
-  const char* name;
-  float& width;
-  float& height;
-  float (&matrix)[9];
-  float (&lens)[8];  // k1, k2, p1, p2, k3, k4, k5, k6
+enum class WhichCamera { kTof, kAux };
 
-  double Width() const { return std::trunc(static_cast<double>(width)); }
-  double Height() const { return std::trunc(static_cast<double>(height)); }
-  double Entry(int i) const { return static_cast<double>(matrix[i]); }
-  double Coefficient(int i) const { return static_cast<double>(lens[i]); }
+struct CameraFields {
+  WhichCamera which;
+  double width, height;  // of the calibration image in whole pixels, the record's fractions truncated
+  double matrix[9];
+  double lens[8];  // k1, k2, p1, p2, k3, k4, k5, k6
+
+  const char* Name() const { return which == WhichCamera::kTof ? "ToF" : "aux"; }
+  double Fx() const { return matrix[0]; }
+  double Fy() const { return matrix[4]; }
+  double Cx() const { return matrix[2]; }
+  double Cy() const { return matrix[5]; }
 };
 
-inline CameraFields TofFields(itof::CalibrationRecord& r) {
-  return {"ToF", r.tofCalibWidth, r.tofCalibHeight, r.tofIntrinsics, r.tofDistortion};
-}
-inline CameraFields AuxFields(itof::CalibrationRecord& r) {
-  return {"aux", r.auxCalibWidth, r.auxCalibHeight, r.auxIntrinsics, r.auxDistortion};
+inline CameraFields ReadCamera(const itof::CalibrationRecord& record, WhichCamera which) {
+  const bool isTof = which == WhichCamera::kTof;
+  CameraFields camera{};
+  camera.which = which;
+  camera.width = std::trunc(static_cast<double>(isTof ? record.tofCalibWidth : record.auxCalibWidth));
+  camera.height = std::trunc(static_cast<double>(isTof ? record.tofCalibHeight : record.auxCalibHeight));
+  std::ranges::copy(isTof ? record.tofIntrinsics : record.auxIntrinsics, camera.matrix);
+  std::ranges::copy(isTof ? record.tofDistortion : record.auxDistortion, camera.lens);
+  return camera;
 }
 
-using PickCamera = CameraFields (*)(itof::CalibrationRecord&);
+/// The record with the matrix and the lens of `camera`.
+inline itof::CalibrationRecord WithCamera(itof::CalibrationRecord record, const CameraFields& camera) {
+  const bool isTof = camera.which == WhichCamera::kTof;
+  const auto toFloat = [](double value) { return static_cast<float>(value); };
+  std::ranges::transform(camera.matrix, isTof ? record.tofIntrinsics : record.auxIntrinsics, toFloat);
+  std::ranges::transform(camera.lens, isTof ? record.tofDistortion : record.auxDistortion, toFloat);
+  return record;
+}
 
 }  // namespace itoftool
 

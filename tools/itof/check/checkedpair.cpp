@@ -1,4 +1,4 @@
-// Measures another reading of a calibration by running both readings through the alignment.
+// Measures the effect of another reading of a calibration by running both readings through the alignment.
 #include "check/checkedpair.h"
 
 #include "inspection/comparison.h"
@@ -14,8 +14,8 @@ std::string CheckedPair::Effect(const itof::CalibrationRecord& otherReading) con
   const Spread spread = MeasureSpread(pixels, AlignedPositions(tables, pixels, kCode),
                                       AlignedPositions(RunTables(otherReading, 1), pixels, kCode));
   if (spread.count == 0) return "No pixel lands with both readings.";
-  return Format("Between the two, pixels at 1 m move by a median of %.1f, at most by %.1f.", spread.median,
-                spread.maximum);
+  return Format("Between the two readings, positions at 1 m differ by a median of %.1f pixels and at most %.1f.",
+                spread.median, spread.maximum);
 }
 
 }  // namespace itoftool

@@ -1,4 +1,4 @@
-// What is wrong, or looks wrong, with a calibration.
+// Checks calibrations. A finding names something that is wrong, or looks wrong, and says what to do.
 #ifndef ITOF_TOOL_CHECK_FINDINGS_H_
 #define ITOF_TOOL_CHECK_FINDINGS_H_
 
@@ -17,20 +17,22 @@ enum class Severity { kWarning, kError };
 struct Finding {
   Severity severity;
   std::string name;    // of the kind of finding, e.g. "principal-point"
-  std::string text;    // what there is, in words and pixels
+  std::string text;    // what is wrong, with its effect in pixels where it can be measured
   std::string advice;  // what to do
 };
 
-/// Judges the bytes of a calibration file. Where they cannot be geometry, nothing is said about the geometry.
-std::vector<Finding> CheckCalibration(std::span<const uint8_t> bytes);
+using Findings = std::vector<Finding>;
 
-/// Judges the geometry of a record that itof_init accepts.
-std::vector<Finding> CheckGeometry(const itof::CalibrationRecord& record);
+/// Checks the bytes of a calibration file, and its geometry if itof_init accepts them.
+Findings CheckCalibration(std::span<const uint8_t> bytes);
 
-size_t CountErrors(const std::vector<Finding>& findings);
+/// Checks the geometry of a record that itof_init accepts.
+Findings CheckGeometry(const itof::CalibrationRecord& record);
+
+size_t CountErrors(const Findings& findings);
 
 /// E.g. "0 errors, 1 warning".
-std::string CountText(const std::vector<Finding>& findings);
+std::string CountText(const Findings& findings);
 
 }  // namespace itoftool
 

@@ -1,6 +1,6 @@
-// `itof align`: files in, the library's three calls, files out.
-#include <algorithm>
-#include <cctype>
+// Runs `itof align`: reads depth frames, aligns them with the library as a host does, and writes words, pictures and
+// alignment.json.
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -12,15 +12,14 @@
 
 #include "commands/aligner.h"
 #include "commands/commands.h"
-#include "commands/ratio.h"
+#include "commands/options.h"
 #include "files/calibrationfile.h"
 #include "files/files.h"
 #include "files/frames.h"
 #include "files/pictures.h"
-#include "framesize.h"
 #include "inspection/pixeltrace.h"
-#include "pixelwords.h"
 #include "report/alignmentjson.h"
+#include "report/depthpictures.h"
 #include "report/fatesheet.h"
 #include "report/preview.h"
 #include "report/summary.h"
@@ -44,11 +43,12 @@ struct AlignOptions {
   std::vector<std::string> inputs;
 };
 
+/// One input and the names of its outputs.
 struct Job {
   fs::path input;
   FrameFormat format;
-  std::string wordsName, depthName, previewName;  // of the outputs
-  std::string fatesName;                          // empty without a report
+  std::string wordsName, depthName, previewName;
+  std::string fatesName;  // empty without --report
 
   std::vector<std::string> Outputs() const {
     std::vector<std::string> names{wordsName, depthName, previewName};
@@ -58,46 +58,37 @@ struct Job {
 };
 
 FrameFormat FormatOf(const std::string& input, const std::string& kind) {
-  std::string extension = fs::path(input).extension().string();
-  std::ranges::transform(extension, extension.begin(),
-                         [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  const std::string extension = LowerCaseExtension(input);
   if (extension == ".png") return kind == "words" ? FrameFormat::kPngWords : FrameFormat::kPngMillimetres;
-  if (extension != ".raw") throw UsageError("INPUT " + input + " must end in .raw or .png");
-  if (kind == "millimetres") throw UsageError(input + ": --kind millimetres is for .png, and .raw holds words");
+  if (extension != ".raw") throw UsageError(input + ": must end in .raw or .png");
+  if (kind == "millimetres") throw UsageError(input + ": --kind millimetres is for .png files; .raw files hold words");
   return FrameFormat::kRawWords;
 }
 
-/// Every output has a name of its own, and none is the name of a file that the command reads.
-void CheckNames(const AlignOptions& options, const std::vector<Job>& jobs) {
-  std::map<std::string, std::string> sources{{kJsonName, ""}};
+/// Checks that no two outputs have the same name and that none would overwrite a file that the command reads.
+void CheckOutputs(const AlignOptions& options, const std::vector<Job>& jobs) {
+  std::map<std::string, std::string> writers;  // the input of each output
+  const fs::path folder = options.output;
+  std::vector<fs::path> outputs{folder / kJsonName};
   for (const Job& job : jobs) {
     for (const std::string& name : job.Outputs()) {
-      const auto [other, isNew] = sources.emplace(name, job.input.string());
-      if (!isNew) {
-        throw UsageError(job.input.string() + ": would write " + name + ", as " + other->second + " does");
-      }
+      const auto [writer, isNew] = writers.emplace(name, job.input.string());
+      if (!isNew) throw UsageError(writer->second + " and " + job.input.string() + " would both write " + name);
+      outputs.push_back(folder / name);
     }
   }
-  std::vector<std::string> readFiles = options.inputs;
-  readFiles.insert(readFiles.end(), options.aux.begin(), options.aux.end());
-  readFiles.insert(readFiles.end(), {options.calibration, options.confidence});
-  for (const fs::path file : readFiles) {
-    std::error_code missing;
-    const bool sameFolder = fs::equivalent("." / file.parent_path(), "." / fs::path(options.output), missing);
-    if (sameFolder && sources.contains(file.filename().string())) {
-      throw UsageError(file.string() + ": is read, and --output would write over it");
-    }
-  }
+  std::vector<fs::path> inputs(options.inputs.begin(), options.inputs.end());
+  inputs.insert(inputs.end(), options.aux.begin(), options.aux.end());
+  inputs.insert(inputs.end(), {options.calibration, options.confidence});
+  RefuseToOverwrite(inputs, outputs, "--output");
 }
 
-/// Finds everything wrong with the arguments that shows without opening a file.
+/// Plans the outputs. Throws UsageError for every mistake in the arguments that can be found without opening a file.
 std::vector<Job> PlanJobs(const AlignOptions& options) {
-  if (options.calibration.empty()) throw UsageError("--calibration FILE is required");
-  if (options.inputs.empty()) throw UsageError("INPUT is required: one or more .raw or .png files");
   CheckRatio(options.ratio);
   if (options.aux.size() > 1 && options.aux.size() != options.inputs.size()) {
-    throw UsageError("--aux: " + std::to_string(options.aux.size()) + " pictures are neither one nor one for each of " +
-                     std::to_string(options.inputs.size()) + " inputs");
+    throw UsageError("--aux: needs one picture, or one for each input; " + std::to_string(options.aux.size()) +
+                     " were given");
   }
   std::vector<Job> jobs;
   for (const std::string& input : options.inputs) {
@@ -107,48 +98,32 @@ std::vector<Job> PlanJobs(const AlignOptions& options) {
   }
   const bool takesConfidence = jobs.size() == 1 && jobs[0].format == FrameFormat::kPngMillimetres;
   if (!options.confidence.empty() && !takesConfidence) {
-    throw UsageError("--confidence: is for a single .png input in millimetres");
+    throw UsageError("--confidence: needs a single .png input in millimetres");
   }
-  CheckNames(options, jobs);
+  CheckOutputs(options, jobs);
   return jobs;
 }
 
-cv::Mat AsMat(std::vector<uint16_t>& values) { return {itof::kFrameHeight, itof::kFrameWidth, CV_16U, values.data()}; }
-
-/// Depth codes of depth words.
-std::vector<uint16_t> InputCodes(const std::vector<uint16_t>& words) {
-  std::vector<uint16_t> codes(words.size());
-  std::ranges::transform(words, codes.begin(), itof::DepthCode);
-  return codes;
-}
-
-/// Depth codes of aligned words: 0..4080 in steps of 16.
-std::vector<uint16_t> AlignedCodes(const std::vector<uint16_t>& words) {
-  std::vector<uint16_t> codes(words.size());
-  std::ranges::transform(words, codes.begin(), [](uint16_t word) { return static_cast<uint16_t>((word & 0xFF) * 16); });
-  return codes;
-}
-
-/// `tables` are null if no report is wanted.
+/// Aligns one frame and writes its outputs. `tables` are null without --report.
 FrameReport AlignFrame(const Job& job, DepthFrame frame, const cv::Mat& aux, const Aligner& aligner,
                        const RunTables* tables, StagedOutput& output) {
   std::vector<uint16_t>& words = frame.words;
+  const std::string inputName = job.input.filename().string();
   std::optional<FateCounts> counts;
   if (tables != nullptr) {
     const FrameFates fates = TraceFrame(*tables, words);
-    output.Write(job.fatesName, EncodePng(DrawFates(fates, job.input.filename().string())));
+    output.Write(job.fatesName, EncodePng(DrawFates(fates, inputName)));
     counts = fates.counts;
   }
-  std::vector<uint16_t> inputCodes = InputCodes(words);
+  const cv::Mat inputDepth = DepthPicture(words);
   const double milliseconds = aligner.Align(words);
-  std::vector<uint16_t> alignedCodes = AlignedCodes(words);
-  const double reached = 1 - static_cast<double>(std::ranges::count(words, 0)) / static_cast<double>(words.size());
+  const cv::Mat alignedDepth = AlignedDepthPicture(words);
+  const double reached = ShareReached(words);
 
-  const std::string caption = job.input.filename().string() + ": " + Percent(reached) + " of the aux pixels reached";
-  const cv::Mat preview = DrawPreview(AsMat(inputCodes), AsMat(alignedCodes), aux, caption);
+  const std::string caption = inputName + ": " + Percent(reached) + " of the aux pixels reached";
   output.Write(job.wordsName, FileBytes<uint16_t>(words));
-  output.Write(job.depthName, EncodePng(AsMat(alignedCodes)));
-  output.Write(job.previewName, EncodePng(preview));
+  output.Write(job.depthName, EncodePng(alignedDepth));
+  output.Write(job.previewName, EncodePng(DrawPreview(inputDepth, alignedDepth, aux, caption)));
   return {job.input, job.Outputs(), milliseconds, reached, frame.aboveRange, counts};
 }
 
@@ -183,15 +158,12 @@ void RunAlign(const AlignOptions& options) {
 void AddAlignCommand(CLI::App& app) {
   CLI::App* command = app.add_subcommand("align", "Moves depth frames into the view of the aux camera");
   auto options = std::make_shared<AlignOptions>();
-  command->add_option("--calibration", options->calibration, "Calibration file of 228 bytes (required)")
-      ->type_name("FILE");
-  command->add_option("--ratio", options->ratio, "Scale of the ideal aux image; 1 is without zoom")
-      ->type_name("R")
-      ->capture_default_str();
-  command->add_option("--output", options->output, "Folder of the results; made if missing")
+  AddCalibrationOption(*command, options->calibration);
+  AddRatioOption(*command, options->ratio);
+  command->add_option("--output", options->output, "Folder for the results; made if missing")
       ->type_name("DIR")
       ->capture_default_str();
-  command->add_option("--kind", options->kind, "What .png inputs hold: words or, if not given, millimetres")
+  command->add_option("--kind", options->kind, "Contents of .png inputs: words, or millimetres (the default)")
       ->type_name("KIND")
       ->check(CLI::IsMember({"words", "millimetres"}));
   command
@@ -202,11 +174,12 @@ void AddAlignCommand(CLI::App& app) {
       ->type_name("IMAGE")
       ->allow_extra_args(false);
   command->add_flag("--report", options->report,
-                    "Says what became of the depth pixels, and draws it as NAME.fates.png");
-  command->add_flag("--log", options->log, "Shows the lines that the library itself prints and logs");
+                    "Reports what happened to the depth pixels, and draws it as NAME.fates.png");
+  command->add_flag("--log", options->log, "Shows the lines that the library prints and logs");
   command
       ->add_option("INPUT", options->inputs,
-                   "Depth frames of 640 x 360: .raw (little-endian depth words) or .png (16-bit) (required)")
+                   "Depth frames of 640 x 360: .raw (little-endian depth words) or .png (16-bit)")
+      ->required()
       ->type_name("");
   command->callback([options] { RunAlign(*options); });
 }

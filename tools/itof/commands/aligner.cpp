@@ -1,5 +1,4 @@
-// Stands between the tool and the library: the calibration's path on the device leads to the user's file, and the
-// library's lines go where the user wants them.
+// Serves the user's calibration at the path that the library reads, and shows or hides the library's lines.
 #include "commands/aligner.h"
 
 #include <orvolog/orvolog.h>
@@ -23,7 +22,7 @@ Aligner::Aligner(const itof::CalibrationRecord& calibration, float ratio, bool s
   g_enableOrvxLogs = showLines ? g_enableOrvxLogs | kLibraryLines : 0;
   const std::string bytes(reinterpret_cast<const char*>(&calibration), sizeof calibration);
   const ZerunHost::ServedFile file(itof::kCalibrationPath, bytes);
-  if (itof_init() != ITOF_OK) throw std::logic_error("itof_init refuses a calibration that was checked");
+  if (itof_init() != ITOF_OK) throw std::logic_error("itof_init refused a calibration that passed its check");
 }
 
 Aligner::~Aligner() { itof_deinit(); }

@@ -1,4 +1,4 @@
-// One run of the library's three functions, used as a host uses them.
+// Aligns frames with the library's three functions, as a host does.
 #ifndef ITOF_TOOL_COMMANDS_ALIGNER_H_
 #define ITOF_TOOL_COMMANDS_ALIGNER_H_
 
@@ -9,17 +9,18 @@
 
 namespace itoftool {
 
-/// A run with one calibration and one ratio. The library holds one aligner per process, so there is one of these at a
-/// time. The lines that the library prints and logs are let through or kept back, as `showLines` says.
+/// One run, with one calibration and one ratio. The library holds one aligner per process, so only one object may exist
+/// at a time.
 class Aligner {
  public:
-  /// `calibration` must be one that FirstCalibrationFault accepts. Throws std::bad_alloc.
+  /// `calibration` must have no fault that FirstCalibrationFault finds. `showLines` says whether the lines that the
+  /// library prints and logs appear. Throws std::bad_alloc.
   Aligner(const itof::CalibrationRecord& calibration, float ratio, bool showLines);
   ~Aligner();
   Aligner(const Aligner&) = delete;
   Aligner& operator=(const Aligner&) = delete;
 
-  /// Turns 640 x 360 depth words into aligned words. Returns the milliseconds that the library's call took.
+  /// Replaces 640 x 360 depth words with the aligned words. Returns how many milliseconds the library's call took.
   double Align(std::vector<uint16_t>& words) const;
 
  private:

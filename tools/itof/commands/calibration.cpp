@@ -1,4 +1,4 @@
-// `itof calibration`: what a calibration file says, whether it can be right, and in what two of them differ.
+// Runs `itof calibration`: shows, checks and compares calibration files.
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -6,6 +6,7 @@
 
 #include "check/findings.h"
 #include "commands/commands.h"
+#include "commands/options.h"
 #include "files/calibrationfile.h"
 #include "files/files.h"
 #include "inspection/description.h"
@@ -19,8 +20,8 @@ namespace {
 void Print(const std::string& text) { std::fputs(text.c_str(), stdout); }
 
 void Show(const std::string& path, bool json) {
-  const auto description = DescribeCalibration(ReadCalibrationFile(path).record);
-  Print(json ? description.dump(2) + "\n" : DescriptionText(description));
+  const CalibrationDescription description = DescribeCalibration(ReadCalibrationFile(path).record);
+  Print(json ? DescriptionJson(description) : DescriptionText(description));
 }
 
 void Check(const std::string& path) {
@@ -48,24 +49,26 @@ struct Paths {
 
 void AddCalibrationCommands(CLI::App& app) {
   CLI::App* group = app.add_subcommand("calibration", "Shows, checks, compares and converts calibration files");
-  group->require_subcommand(0, 1);  // as for the commands themselves
+  group->require_subcommand(0, 1);  // RequireSubcommand reports a missing one
   group->callback([group] { RequireSubcommand(*group); });
   const auto paths = std::make_shared<Paths>();
   const auto addFile = [](CLI::App* command, const char* name, std::string& path) {
-    command->add_option(name, path, "Calibration file of 228 bytes")->required()->type_name("");
+    command->add_option(name, path, kCalibrationFileHelp)->required()->type_name("");
   };
 
-  CLI::App* show = group->add_subcommand("show", "Says what is in a calibration file, and where pixels land with it");
+  CLI::App* show =
+      group->add_subcommand("show", "Shows the contents of a calibration file and where pixels land with it");
   addFile(show, "FILE", paths->a);
-  show->add_flag("--json", paths->json, "The same as JSON");
+  show->add_flag("--json", paths->json, "Prints the same as JSON");
   show->callback([paths] { Show(paths->a, paths->json); });
 
-  CLI::App* check = group->add_subcommand("check", "Looks for mistakes in a calibration file; exit code 1 on an error");
+  CLI::App* check =
+      group->add_subcommand("check", "Checks a calibration file for mistakes; exit code 1 if it finds an error");
   addFile(check, "FILE", paths->a);
   check->callback([paths] { Check(paths->a); });
 
   CLI::App* diff =
-      group->add_subcommand("diff", "Says which fields of two calibration files differ, and what that does");
+      group->add_subcommand("diff", "Shows which fields of two calibration files differ and how far pixels move");
   addFile(diff, "A", paths->a);
   addFile(diff, "B", paths->b);
   diff->callback([paths] { Diff(paths->a, paths->b); });

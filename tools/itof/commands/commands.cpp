@@ -13,7 +13,7 @@ void RequireSubcommand(const CLI::App& app) {
   for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
     names += " " + command->get_name();
   }
-  throw UsageError("a command of " + app.get_name() + " is required, one of:" + names);
+  throw UsageError(app.get_name() + " requires a command, one of:" + names);
 }
 
 }  // namespace itoftool

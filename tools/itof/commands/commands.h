@@ -1,4 +1,4 @@
-// The tool's subcommands. Each registers its options and what to run when it is chosen.
+// Declares the tool's subcommands. Each function adds one, with its options and the function that runs it.
 #ifndef ITOF_TOOL_COMMANDS_COMMANDS_H_
 #define ITOF_TOOL_COMMANDS_COMMANDS_H_
 
@@ -7,16 +7,16 @@
 namespace itoftool {
 
 void AddSelfTestCommand(CLI::App& app);
-// In builds for hosts only, where all that they need of OpenCV is to be had.
+// Only in host builds: these need OpenCV's picture functions and the stand-ins.
 void AddAlignCommand(CLI::App& app);
 void AddSimulateCommand(CLI::App& app);
 void AddCalibrationCommands(CLI::App& app);
 void AddExplainCommand(CLI::App& app);
-// Of the group `calibration`.
+// Subcommands of `calibration`.
 void AddImportCommand(CLI::App& calibration);
 void AddExportCommand(CLI::App& calibration);
 
-/// Throws UsageError, which names those that there are, unless a subcommand of `app` was given.
+/// Throws UsageError, which lists the subcommands of `app`, unless one of them was given.
 void RequireSubcommand(const CLI::App& app);
 
 }  // namespace itoftool

@@ -1,4 +1,5 @@
-// `itof calibration import` and `export`: between the calibration file and the files of OpenCV's stereo calibration.
+// Runs `itof calibration import` and `export`: converts between OpenCV's stereo calibration files and calibration
+// files.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -12,6 +13,7 @@
 #include "camera/rotation.h"
 #include "check/findings.h"
 #include "commands/commands.h"
+#include "commands/options.h"
 #include "files/calibrationfile.h"
 #include "files/files.h"
 #include "stereo/file.h"
@@ -28,7 +30,7 @@ struct ImportOptions {
   std::vector<std::string> inputs;
   std::string output;
   std::string unit = "mm";
-  std::vector<int> tofSize, auxSize, tofWindow;  // empty where not given
+  std::vector<int> tofSize, auxSize, tofWindow;  // empty if not given
 };
 
 struct ExportOptions {
@@ -36,22 +38,20 @@ struct ExportOptions {
   std::string output;
 };
 
-/// The size that an option gives, if it does.
+/// Returns the image size that an option gives; without values if it was not given.
 Quantity SizeOf(const char* option, const std::vector<int>& size) {
   if (size.empty()) return {};
   if (size[0] < 1 || size[1] < 1)
-    throw UsageError(Format("%s: %d,%d is no size of an image", option, size[0], size[1]));
+    throw UsageError(Format("%s: %d,%d is not a valid image size", option, size[0], size[1]));
   return {{static_cast<double>(size[0]), static_cast<double>(size[1])}, option, {}};
 }
 
-/// `output` is a file's name, and no input is that file.
+/// Checks that `output` names a file and that no input is that file.
 void CheckOutput(const fs::path& output, const std::vector<std::string>& inputs) {
   const fs::path name = output.filename();
-  if (name.empty() || name == "." || name == "..") throw UsageError("-o: \"" + output.string() + "\" names no file");
-  for (const std::string& input : inputs) {
-    std::error_code missing;
-    if (fs::equivalent(input, output, missing)) throw UsageError(input + ": is read, and -o would write over it");
-  }
+  if (name.empty() || name == "." || name == "..")
+    throw UsageError("-o: \"" + output.string() + "\" is not a file name");
+  RefuseToOverwrite({inputs.begin(), inputs.end()}, {output}, "-o");
 }
 
 void WriteOutput(const fs::path& path, std::span<const uint8_t> bytes) {
@@ -60,14 +60,14 @@ void WriteOutput(const fs::path& path, std::span<const uint8_t> bytes) {
   output.Commit();
 }
 
-/// Where a quantity comes from, with the first of several keys.
+/// Returns where a quantity comes from. Of several keys it names the first.
 std::string Source(const Quantity& quantity) {
   const size_t plus = quantity.key.find('+');
   const std::string more = plus == std::string::npos ? "" : " and others";
-  return quantity.key.substr(0, plus) + more + (quantity.file.empty() ? "" : " of " + quantity.file);
+  return quantity.key.substr(0, plus) + more + (quantity.file.empty() ? "" : " in " + quantity.file);
 }
 
-/// One camera as the files have it and, where that is not the same, as the record has it.
+/// Prints one camera as in the files and, if the record has a different matrix, as in the record.
 void PrintCamera(const char* title, const StereoCamera& camera, std::span<const float, 9> stored) {
   const std::vector<double>& size = camera.size.values;
   const std::vector<double>& m = camera.matrix.values;
@@ -93,7 +93,7 @@ void PrintImport(const StereoPair& pair, const itof::CalibrationRecord& record, 
   std::printf("written to      %s\n", output.c_str());
   const std::vector<Finding> findings = CheckGeometry(record);
   std::printf("check           %s%s\n", CountText(findings).c_str(),
-              findings.empty() ? "" : "; \"itof calibration check\" says more");
+              findings.empty() ? "" : "; for details run \"itof calibration check\"");
 }
 
 void Import(const ImportOptions& options) {
@@ -102,12 +102,7 @@ void Import(const ImportOptions& options) {
   std::optional<Window> window;
   if (const auto& w = options.tofWindow; !w.empty()) window = {w[0], w[1], w[2], w[3]};
   StereoPair pair = ReadStereoFiles({options.inputs.begin(), options.inputs.end()}, tofSize, auxSize);
-  if (options.unit == "m") {
-    if (pair.translation.key == kMillimetreKey) {
-      throw UsageError("--unit: " + pair.translation.file + " holds " + kMillimetreKey + ", which is in mm");
-    }
-    for (double& entry : pair.translation.values) entry *= 1000;
-  }
+  if (options.unit == "m") ConvertToMillimetres(pair);
   const itof::CalibrationRecord record = RecordOf(pair, window);
   WriteOutput(options.output, FileBytes<itof::CalibrationRecord>({&record, 1}));
   PrintImport(pair, record, options.output);
@@ -118,7 +113,7 @@ void Export(const ExportOptions& options) {
   const int format = StereoFileFormat(options.output);
   const std::string text = StereoFileText(PairOf(ReadCalibrationFile(options.input).record), format);
   WriteOutput(options.output, FileBytes<char>(text));
-  std::printf("camera 1 is ToF, camera 2 is aux; T is in the unit of the calibration, usually mm\n");
+  std::printf("camera 1 is the ToF camera, camera 2 the aux camera; T is in the calibration's unit, usually mm\n");
   std::printf("written to      %s\n", options.output.c_str());
 }
 
@@ -126,28 +121,28 @@ void Export(const ExportOptions& options) {
 
 void AddImportCommand(CLI::App& calibration) {
   const auto options = std::make_shared<ImportOptions>();
-  CLI::App* command = calibration.add_subcommand("import", "Makes a calibration file of OpenCV's stereo calibration");
+  CLI::App* command = calibration.add_subcommand("import", "Makes a calibration file from OpenCV's stereo calibration");
   command
-      ->add_option("STEREO", options->inputs,
-                   "YAML, XML or JSON of the pair, in one file or in several; camera 1 is ToF, camera 2 is aux")
+      ->add_option(
+          "STEREO", options->inputs,
+          "YAML, XML or JSON files with the pair, one or several; camera 1 is the ToF camera, camera 2 the aux camera")
       ->required()
       ->type_name("");
-  command->add_option("-o,--output", options->output, "Calibration file to be written")->required()->type_name("FILE");
+  command->add_option("-o,--output", options->output, "Calibration file to write")->required()->type_name("FILE");
   command->add_option("--unit", options->unit, "Unit of the translation in the files")
       ->type_name("mm|m")
       ->check(CLI::IsMember({"mm", "m"}))
       ->capture_default_str();
-  command->add_option("--tof-size", options->tofSize, "Image size of the ToF camera, if the files do not say it")
+  command->add_option("--tof-size", options->tofSize, "Image size of the ToF camera, if the files do not contain it")
       ->expected(2)
       ->delimiter(',')
       ->type_name("W,H");
-  command->add_option("--aux-size", options->auxSize, "The same of the aux camera")
+  command->add_option("--aux-size", options->auxSize, "Image size of the aux camera, if the files do not contain it")
       ->expected(2)
       ->delimiter(',')
       ->type_name("W,H");
   command
-      ->add_option("--tof-window", options->tofWindow,
-                   "Part of the ToF image that becomes the frame of 640 x 360; of 16:9")
+      ->add_option("--tof-window", options->tofWindow, "16:9 part of the ToF image that becomes the frame of 640 x 360")
       ->expected(4)
       ->delimiter(',')
       ->type_name("X,Y,W,H");
@@ -157,9 +152,10 @@ void AddImportCommand(CLI::App& calibration) {
 
 void AddExportCommand(CLI::App& calibration) {
   const auto options = std::make_shared<ExportOptions>();
-  CLI::App* command = calibration.add_subcommand("export", "Writes a calibration file as OpenCV's stereo calibration");
-  command->add_option("FILE", options->input, "Calibration file of 228 bytes")->required()->type_name("");
-  command->add_option("-o,--output", options->output, "File to be written: .yml, .yaml, .xml or .json")
+  CLI::App* command =
+      calibration.add_subcommand("export", "Converts a calibration file to OpenCV's stereo calibration");
+  command->add_option("FILE", options->input, kCalibrationFileHelp)->required()->type_name("");
+  command->add_option("-o,--output", options->output, "File to write: .yml, .yaml, .xml or .json")
       ->required()
       ->type_name("STEREO");
   command->callback([options] { Export(*options); });

@@ -1,11 +1,11 @@
-// `itof explain`: one depth pixel on its way through the alignment, with the number that each stage makes of it.
+// Runs `itof explain`: prints the position of one depth pixel after each stage of the alignment.
 #include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "commands/commands.h"
-#include "commands/ratio.h"
+#include "commands/options.h"
 #include "files/calibrationfile.h"
 #include "framesize.h"
 #include "inspection/camerapair.h"
@@ -23,31 +23,58 @@ struct ExplainOptions {
   double ratio = 1;
 };
 
-void Line(const char* stage, const std::string& value, const char* note) {
-  std::printf("%-21s %-24s %s\n", stage, value.c_str(), note);
+void Line(const char* stage, const std::string& value, const std::string& note) {
+  std::printf("%-21s %-24s %s\n", stage, value.c_str(), note.c_str());
 }
 
 std::string PositionText(cv::Point2d position) { return Format("(%.3f, %.3f)", position.x, position.y); }
 std::string CellText(cv::Point cell) { return Format("(%d, %d)", cell.x, cell.y); }
 
-void PrintEnd(const PixelTrace& trace) {
-  Line("ideal cell", CellText(trace.cell), "that position, rounded");
+/// Prints the stages after the ideal position.
+void PrintTarget(const PixelTrace& trace) {
+  Line("ideal cell", CellText(trace.cell), "the ideal position, rounded");
   switch (trace.fate) {
     case Fate::kOutsideGrid:
       Line("dropped", "", "the ideal cell is outside the lens table of 640 x 360");
       break;
     case Fate::kUnwrittenEntry:
       Line("lens table", "no entry", "the lens puts that cell outside the frame");
-      Line("lands in cell", CellText(trace.target), "as all pixels whose cell has no entry");
+      Line("lands in cell", CellText(trace.target), "like every pixel whose ideal cell has no entry");
       break;
     case Fate::kOutsideFrame:
-      Line("lens table", PositionText(trace.distorted), "aux picture, lens included");
-      Line("dropped", "", "that is outside the frame of 640 x 360");
+      Line("lens table", PositionText(trace.distorted), "position in the real aux picture");
+      Line("dropped", "", "the position is outside the frame of 640 x 360");
       break;
     default:
-      Line("lens table", PositionText(trace.distorted), "aux picture, lens included, without the ratio");
-      Line("lands in cell", CellText(trace.target), "the position's whole part; a later pixel may take it");
+      Line("lens table", PositionText(trace.distorted), "position in the real aux picture, without the ratio");
+      Line("lands in cell", CellText(trace.target), "the position, truncated; a later pixel may overwrite it");
   }
+}
+
+void PrintPixelWithoutDepth(const RunTables& tables) {
+  std::printf(
+      "It goes to the target of the last pixel with depth, and leaves only its confidence there.\n"
+      "Before the first pixel with depth in a frame:\n");
+  const PixelTrace start = tables.TraceStart();
+  Line("ideal position", PositionText(start.ideal), "at the start of every frame");
+  PrintTarget(start);
+}
+
+void PrintStages(const PixelTrace& trace) {
+  Line("undistorted", PositionText(trace.undistorted), "ideal ToF image, after three rounds of undistortion");
+  Line("at the far plane", PositionText(trace.farPlane),
+       trace.inFront ? "ideal aux image, at the ratio" : "not in front of the aux camera: the map holds zeros");
+  Line("parallax", PositionText(trace.parallax), "focal length x translation / code");
+  Line("ideal position", PositionText(trace.ideal), "far-plane position plus parallax");
+  PrintTarget(trace);
+}
+
+void PrintExactProjection(const PixelTrace& trace, cv::Point2d exact) {
+  const bool seen = !IsNowhere(exact);
+  Line("exact projection", seen ? PositionText(exact) : "not seen", "real aux picture, for comparison");
+  if (trace.fate != Fate::kLanded || !seen) return;
+  const double off = cv::norm(cv::Point2d(trace.target) + cv::Point2d(0.5, 0.5) - exact);
+  Line("off by", Format("%.3f", off), "pixels, from the middle of the cell to the exact projection");
 }
 
 void Explain(const ExplainOptions& options) {
@@ -60,34 +87,16 @@ void Explain(const ExplainOptions& options) {
   }
   const itof::CalibrationRecord record = ReadCalibrationFile(options.calibration).record;
   const RunTables tables(record, static_cast<float>(options.ratio));
+  Line("ToF pixel", CellText(pixel), Format(options.code == 0 ? "code %d, no depth" : "code %d", options.code));
   if (options.code == 0) {
-    Line("ToF pixel", CellText(pixel), "code 0, no depth");
-    std::printf(
-        "It goes where the last pixel before it that has depth goes, and leaves its confidence without depth there.\n"
-        "Before the first pixel with depth of a frame:\n");
-    const PixelTrace start = tables.TraceStart();
-    Line("ideal position", PositionText(start.ideal), "where every frame starts");
-    PrintEnd(start);
+    PrintPixelWithoutDepth(tables);
     return;
   }
-
   const PixelTrace trace = tables.Trace(pixel.x, pixel.y, options.code);
-  Line("ToF pixel", CellText(pixel), Format("code %d", options.code).c_str());
-  Line("undistorted", PositionText(trace.undistorted), "ideal ToF picture, by three rounds of the inverse lens model");
-  Line("at the far plane", PositionText(trace.farPlane),
-       trace.inFront ? "ideal aux picture, at the ratio" : "not in front of the aux camera: the map holds zeros");
-  Line("parallax", PositionText(trace.parallax), "focal length times translation, over the code");
-  Line("ideal position", PositionText(trace.ideal), "their sum");
-  PrintEnd(trace);
-
+  PrintStages(trace);
   const CameraPair pair = MakeCameraPair(record);
   const cv::Point only[] = {pixel};
-  const cv::Point2d exact = AuxPositions(pair, Rays(pair.tof, only), options.code)[0];
-  Line("exact projection", std::isnan(exact.x) ? "not seen" : PositionText(exact), "aux picture, for comparison");
-  if (trace.fate == Fate::kLanded && !std::isnan(exact.x)) {
-    const double off = cv::norm(cv::Point2d(trace.target) + cv::Point2d(0.5, 0.5) - exact);
-    Line("off by", Format("%.3f", off), "pixels, from the middle of the cell");
-  }
+  PrintExactProjection(trace, AuxPositions(pair, Rays(pair.tof, only), options.code)[0]);
 }
 
 }  // namespace
@@ -95,9 +104,7 @@ void Explain(const ExplainOptions& options) {
 void AddExplainCommand(CLI::App& app) {
   const auto options = std::make_shared<ExplainOptions>();
   CLI::App* command = app.add_subcommand("explain", "Follows one depth pixel through the alignment");
-  command->add_option("--calibration", options->calibration, "Calibration file of 228 bytes")
-      ->required()
-      ->type_name("FILE");
+  AddCalibrationOption(*command, options->calibration);
   command->add_option("--at", options->at, "Pixel of the ToF frame, column and row from 0")
       ->required()
       ->expected(2)
@@ -107,9 +114,7 @@ void AddExplainCommand(CLI::App& app) {
       ->required()
       ->check(CLI::Range(0, 8191))
       ->type_name("C");
-  command->add_option("--ratio", options->ratio, "Scale of the ideal aux image; 1 is without zoom")
-      ->type_name("R")
-      ->capture_default_str();
+  AddRatioOption(*command, options->ratio);
   command->callback([options] { Explain(*options); });
 }
 

@@ -1,5 +1,5 @@
-// Whether this machine computes the bits that every machine should. Needs nothing but the C and C++ libraries, so that
-// it runs wherever a file can be copied to.
+// Runs `itof selftest`: compares what this machine computes with the bits that every machine should. It needs only the
+// C and C++ libraries, so the program can be copied to a device and run there.
 #include <cinttypes>
 #include <cstdio>
 #include <optional>
@@ -8,12 +8,13 @@
 #include "selftest/selftest.h"
 #include "support/errors.h"
 #include "support/silence.h"
+#include "support/text.h"
 
 namespace itoftool {
 namespace {
 
 void SelfTest() {
-  std::optional<Silence> silence(stdout);  // the library's line in each frame
+  std::optional<Silence> silence(stdout);  // hides the line that the library prints for each frame
   const selftest::Digests digests = selftest::RunCases(selftest::kLibrary);
   silence.reset();
 
@@ -31,19 +32,16 @@ void SelfTest() {
     }
     std::printf("\n");
   }
-  const uint64_t expected = selftest::Overall(selftest::kExpected);
   std::printf("all %016" PRIx64 "%s\n", selftest::Overall(digests), wrong == 0 ? ", as expected" : "");
   if (wrong == 0) return;
-  char text[96];
-  std::snprintf(text, sizeof text, "selftest: %d of %zu digests are wrong (!); all should be %016" PRIx64, wrong,
-                selftest::kCases * selftest::kStages, expected);
-  throw DataError(text);
+  throw DataError(Format("selftest: %d of %zu digests are wrong, marked with !; expected all %016" PRIx64, wrong,
+                         selftest::kCases * selftest::kStages, selftest::Overall(selftest::kExpected)));
 }
 
 }  // namespace
 
 void AddSelfTestCommand(CLI::App& app) {
-  app.add_subcommand("selftest", "Shows that this machine and this build give the bits that all should")
+  app.add_subcommand("selftest", "Checks that this machine and this build compute the expected bits")
       ->callback(SelfTest);
 }
 

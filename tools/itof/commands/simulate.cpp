@@ -1,5 +1,4 @@
-// Makes frames to try the alignment on, without any camera: a calibration, depth words, the aux camera's pictures, and
-// the depths that an alignment should give.
+// Runs `itof simulate`: writes frames to try the alignment on, with the aux camera's pictures and the true depth.
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
@@ -14,6 +13,7 @@
 #include "files/files.h"
 #include "files/pictures.h"
 #include "simulation/simulation.h"
+#include "support/text.h"
 
 namespace itoftool {
 namespace {
@@ -24,23 +24,16 @@ struct SimulateOptions {
   uint64_t seed = 1;
 };
 
-/// A PNG file of a 640 x 360 picture; `type` is OpenCV's for one pixel.
+/// Encodes a 640 x 360 picture; `type` is OpenCV's type of a pixel.
 std::vector<uint8_t> Png(const void* pixels, int type) {
   return EncodePng(cv::Mat(simulation::kHeight, simulation::kWidth, type, const_cast<void*>(pixels)));
 }
 
-std::string FrameName(int frame) {
-  char name[32];
-  std::snprintf(name, sizeof name, "frame_%03d", frame);
-  return name;
-}
+std::string FrameName(int frame) { return Format("frame_%03d", frame); }
 
-/// The seed of a frame's noise. Seeds and frames that are neighbours must not give related numbers.
-uint64_t FrameSeed(uint64_t seed, int frame) { return seed * 1'000'003 + static_cast<uint64_t>(frame); }
-
-/// Says what is wrong with a text as a 64-bit seed; empty if nothing is. The option parser by itself wraps numbers
-/// below 0, and cuts those that are too large.
-std::string WholeNumberFault(const std::string& text) {
+/// Returns what is wrong with the text of a 64-bit seed, or an empty text. The option parser would accept negative and
+/// too large numbers as other numbers.
+std::string SeedFault(const std::string& text) {
   uint64_t value = 0;
   const char* end = text.data() + text.size();
   const auto [rest, error] = std::from_chars(text.data(), end, value);
@@ -54,7 +47,7 @@ void Simulate(const SimulateOptions& options) {
   output.Write("calibration.bin", FileBytes<itof::CalibrationRecord>({&rig.record, 1}));
   for (int frame = 0; frame < options.frames; ++frame) {
     const simulation::Scene scene = simulation::RoomScene(frame);
-    const auto words = simulation::DepthWords(rig, scene, FrameSeed(options.seed, frame));
+    const auto words = simulation::DepthWords(rig, scene, simulation::FrameSeed(options.seed, frame));
     const auto picture = simulation::AuxPicture(rig, scene);
     const auto truth = simulation::Truth(rig, scene);
     const std::string name = FrameName(frame);
@@ -70,7 +63,7 @@ void Simulate(const SimulateOptions& options) {
               options.output.c_str());
   std::printf("  NAME.words.raw  depth words of the ToF camera, to be aligned\n");
   std::printf("  NAME.aux.png    picture of the aux camera\n");
-  std::printf("  NAME.truth.png  depth in millimetres that belongs at each aligned cell\n");
+  std::printf("  NAME.truth.png  true depth at each cell of the aligned frame, millimetres\n");
   std::printf("Align the first one:\n  itof align --calibration %s --aux %s.aux.png %s.words.raw\n",
               path("calibration.bin").c_str(), first.c_str(), first.c_str());
 }
@@ -79,15 +72,16 @@ void Simulate(const SimulateOptions& options) {
 
 void AddSimulateCommand(CLI::App& app) {
   const auto options = std::make_shared<SimulateOptions>();
-  CLI::App* command = app.add_subcommand("simulate", "Makes frames of a scene, with the truth to compare with");
-  command->add_option("--output", options->output, "Folder for the files; made where it is missing")
+  CLI::App* command =
+      app.add_subcommand("simulate", "Simulates a camera pair: calibration, depth frames, aux pictures and true depth");
+  command->add_option("--output", options->output, "Folder for the files; made if missing")
       ->required()
       ->type_name("DIR");
   command->add_option("--frames", options->frames, "Number of frames, 1 to 1000")
       ->check(CLI::Range(1, 1000))
       ->capture_default_str();
   command->add_option("--seed", options->seed, "Seed of the ToF camera's noise")
-      ->check(WholeNumberFault)
+      ->check(SeedFault)
       ->capture_default_str();
   command->callback([options] { Simulate(*options); });
 }

@@ -1,5 +1,5 @@
-// The library refuses a calibration with a number and no word. This finds out in advance what to tell the user, with
-// the check that the library itself uses.
+// Reads and checks calibration files. itof_init returns only a result code for a bad file; this runs the same check and
+// names the field.
 #include "files/calibrationfile.h"
 
 #include <openssl/evp.h>
@@ -19,7 +19,7 @@ std::string Sha256(std::span<const uint8_t> bytes) {
   uint8_t digest[EVP_MAX_MD_SIZE];
   unsigned int length = 0;
   if (EVP_Digest(bytes.data(), bytes.size(), digest, &length, EVP_sha256(), nullptr) != 1) {
-    throw DataError("SHA-256 is not to be had from OpenSSL");
+    throw DataError("OpenSSL does not provide SHA-256");
   }
   std::string text;
   for (const uint8_t byte : std::span(digest, length)) {
@@ -34,7 +34,7 @@ std::string Sha256(std::span<const uint8_t> bytes) {
 CalibrationFile ReadCalibrationFile(const std::filesystem::path& path) {
   const std::vector<uint8_t> bytes = ReadFile(path);
   if (bytes.size() < itof::kCalibrationRecordSize) {
-    throw DataError(path.string() + ": holds " + std::to_string(bytes.size()) + " bytes; a calibration has " +
+    throw DataError(path.string() + ": holds " + std::to_string(bytes.size()) + " bytes; a calibration file has " +
                     std::to_string(itof::kCalibrationRecordSize));
   }
   const itof::CalibrationRecord record = itof::DecodeCalibrationRecord(bytes.data());

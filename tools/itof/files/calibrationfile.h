@@ -1,4 +1,4 @@
-// The calibration file as the tool's user gave it.
+// Reads calibration files.
 #ifndef ITOF_TOOL_FILES_CALIBRATIONFILE_H_
 #define ITOF_TOOL_FILES_CALIBRATIONFILE_H_
 
@@ -15,8 +15,8 @@ struct CalibrationFile {
   std::string sha256;  // of the record's 228 bytes, in hexadecimal
 };
 
-/// Reads a calibration that the library will accept. Throws DataError, which names the file, and the field that makes
-/// it unusable.
+/// Reads a calibration file, which may be a pipe. Throws DataError if the library would refuse the calibration; the
+/// text names the file and the field at fault.
 CalibrationFile ReadCalibrationFile(const std::filesystem::path& path);
 
 }  // namespace itoftool

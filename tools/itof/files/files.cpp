@@ -1,12 +1,16 @@
-// File access of the tool. Errors carry the file's name and the system's cause; outputs are all or nothing.
+// Reads and writes files through the C library, whose errno names the cause of a failure.
 #include "files/files.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <system_error>
+#include <unordered_set>
 
 #include "support/errors.h"
 
@@ -21,23 +25,27 @@ using File = std::unique_ptr<FILE, FileCloser>;
 
 constexpr size_t kLargestFile = size_t{256} << 20;
 
-/// Writes to `path`; errors carry the name under which the user will know the file.
-void WriteBytes(const fs::path& path, const fs::path& knownAs, std::span<const uint8_t> bytes) {
+// Folders inside the temporary folder of a StagedOutput: for its files, and for the files that they replace.
+constexpr char kNew[] = "new", kOld[] = "old";
+
+/// Writes to `path`; errors name `shownAs`, which the user knows.
+void WriteBytes(const fs::path& path, const fs::path& shownAs, std::span<const uint8_t> bytes) {
   File file(std::fopen(path.c_str(), "wb"));
-  if (!file) Fail(knownAs, std::strerror(errno));
+  if (!file) Fail(shownAs, std::strerror(errno));
   const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
-  if (!written || std::fflush(file.get()) != 0) Fail(knownAs, std::strerror(errno));
-  if (std::fclose(file.release()) != 0) Fail(knownAs, std::strerror(errno));
+  if (!written || std::fflush(file.get()) != 0) Fail(shownAs, std::strerror(errno));
+  if (std::fclose(file.release()) != 0) Fail(shownAs, std::strerror(errno));
 }
 
-/// Without the trailing slashes and ".." that would count as folders to be made.
-fs::path Canonical(const fs::path& directory) {
+/// Returns the absolute name of a file or folder, which need not exist, without symbolic links, "." and "..". A pipe
+/// without a name keeps the one given.
+fs::path Canonical(const fs::path& path) {
   std::error_code error;
-  const fs::path canonical = fs::weakly_canonical(directory.empty() ? "." : directory, error);
-  return error ? directory : canonical;
+  const fs::path canonical = fs::weakly_canonical(fs::absolute(path.empty() ? "." : path), error);
+  return error ? path : canonical;
 }
 
-/// The folders that are missing on the way to `directory`, the innermost first.
+/// Returns the folders that have to be made for `directory` to exist, the innermost first.
 std::vector<fs::path> MissingFolders(const fs::path& directory) {
   std::error_code error;
   std::vector<fs::path> missing;
@@ -49,30 +57,43 @@ std::vector<fs::path> MissingFolders(const fs::path& directory) {
 
 volatile std::sig_atomic_t interrupted = 0;
 
-/// From the first call on, an interrupt does not end the process, but lets the next step of an output fail, so that
-/// what is half done is cleared away.
+/// After this call, a first interrupt does not end the process. It makes the next step of an output fail, and the
+/// output is removed. A second interrupt ends the process.
 void CatchInterrupts() {
   struct sigaction action {};
   action.sa_handler = [](int) { interrupted = 1; };
-  action.sa_flags = static_cast<int>(SA_RESETHAND);  // the second one does end it
+  action.sa_flags = static_cast<int>(SA_RESETHAND);
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     struct sigaction before {};
     sigaction(signal, nullptr, &before);
-    if (before.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);  // else the parent wants it so
+    // A signal that is already ignored, e.g. under nohup, stays ignored.
+    if (before.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);
   }
 }
 
 void CheckInterrupts() {
-  if (interrupted != 0) throw DataError("interrupted; nothing is written");
-}
-
-void RemoveFolders(const std::vector<fs::path>& folders) {
-  std::error_code ignored;
-  // Empty ones only: another process may have written into them since.
-  for (const fs::path& folder : folders) fs::remove(folder, ignored);
+  if (interrupted != 0) throw DataError("interrupted; nothing was written");
 }
 
 }  // namespace
+
+std::string LowerCaseExtension(const fs::path& path) {
+  std::string extension = path.extension().string();
+  std::ranges::transform(extension, extension.begin(),
+                         [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return extension;
+}
+
+void RefuseToOverwrite(const std::vector<fs::path>& inputs, const std::vector<fs::path>& outputs,
+                       const std::string& option) {
+  std::unordered_set<std::string> written;
+  for (const fs::path& output : outputs) written.insert(Canonical(output).string());
+  for (const fs::path& input : inputs) {
+    if (written.contains(Canonical(input).string())) {
+      throw UsageError(input.string() + ": is an input, and " + option + " would overwrite it");
+    }
+  }
+}
 
 std::vector<uint8_t> ReadFile(const fs::path& path) {
   const File file(std::fopen(path.c_str(), "rb"));
@@ -93,57 +114,58 @@ StagedOutput::StagedOutput(const fs::path& directory)
   std::error_code error;
   fs::create_directories(directory_, error);
   std::string stage = (directory_ / ".itof-partial-XXXXXX").string();
-  std::string cause;
+  if (!error && mkdtemp(stage.data()) == nullptr) error.assign(errno, std::generic_category());
+  if (!error) {
+    stage_ = stage;
+    fs::create_directory(stage_ / kNew, error);
+  }
+  if (!error) fs::create_directory(stage_ / kOld, error);
   if (error) {
-    cause = error.message();
-  } else if (mkdtemp(stage.data()) == nullptr) {
-    cause = std::strerror(errno);
+    Discard();
+    Fail(directory_, error.message());
   }
-  if (!cause.empty()) {
-    RemoveFolders(made_);
-    Fail(directory_, cause);
-  }
-  stage_ = stage;
 }
 
-StagedOutput::~StagedOutput() {
+StagedOutput::~StagedOutput() { Discard(); }
+
+void StagedOutput::Discard() {
   std::error_code ignored;
   fs::remove_all(stage_, ignored);
-  RemoveFolders(made_);
+  // This removes empty folders only. Another process may have written into them.
+  for (const fs::path& folder : made_) fs::remove(folder, ignored);
 }
 
 void StagedOutput::Write(const std::string& name, std::span<const uint8_t> bytes) {
   CheckInterrupts();
   std::error_code error;
   if (fs::is_directory(directory_ / name, error)) Fail(directory_ / name, "is a directory");
-  WriteBytes(stage_ / name, directory_ / name, bytes);
+  WriteBytes(stage_ / kNew / name, directory_ / name, bytes);
   names_.push_back(name);
 }
 
 void StagedOutput::Commit() {
   CheckInterrupts();
-  // The files that are replaced wait in the stage, so that a failure half way can bring them back.
-  const fs::path replaced = stage_ / "replaced";
-  std::error_code error;
-  fs::create_directory(replaced, error);
-  if (error) Fail(directory_, error.message());
+  std::error_code error, ignored;
   for (size_t i = 0; i < names_.size(); ++i) {
     const fs::path target = directory_ / names_[i];
-    fs::rename(target, replaced / names_[i], error);
+    if (fs::is_directory(target, error)) {
+      error = std::make_error_code(std::errc::is_a_directory);
+    } else {
+      fs::rename(target, stage_ / kOld / names_[i], error);
+    }
     if (!error || error == std::errc::no_such_file_or_directory) {
-      fs::rename(stage_ / names_[i], target, error);
+      fs::rename(stage_ / kNew / names_[i], target, error);
     }
     if (!error) continue;
     for (size_t j = 0; j <= i; ++j) {
-      std::error_code ignored;
       if (j < i) fs::remove(directory_ / names_[j], ignored);
-      fs::rename(replaced / names_[j], directory_ / names_[j], ignored);
+      fs::rename(stage_ / kOld / names_[j], directory_ / names_[j], ignored);
     }
     Fail(target, error.message());
   }
   made_.clear();
   names_.clear();
-  fs::remove_all(stage_, error);
+  fs::remove_all(stage_, ignored);
 }
 
 }  // namespace itoftool

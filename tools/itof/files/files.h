@@ -1,4 +1,4 @@
-// Whole files in and out, and outputs that appear together or not at all.
+// Reads and writes whole files. The outputs of a command appear together or not at all.
 #ifndef ITOF_TOOL_FILES_FILES_H_
 #define ITOF_TOOL_FILES_FILES_H_
 
@@ -18,30 +18,42 @@ std::span<const uint8_t> FileBytes(std::span<const T> values) {
   return {reinterpret_cast<const uint8_t*>(values.data()), values.size_bytes()};
 }
 
-/// The bytes of a file of up to 256 MiB. Throws DataError, which names the file and the cause.
+/// Returns the extension of a file name in lower case, e.g. ".png"; empty if there is none.
+std::string LowerCaseExtension(const std::filesystem::path& path);
+
+/// Throws UsageError if writing one of `outputs` would replace one of `inputs`, also where symbolic links lead from one
+/// name to the other. The text names the input and `option`, the option that gives the outputs. No file has to exist.
+void RefuseToOverwrite(const std::vector<std::filesystem::path>& inputs,
+                       const std::vector<std::filesystem::path>& outputs, const std::string& option);
+
+/// Reads a file of up to 256 MiB. Throws DataError, which names the file and the cause.
 std::vector<uint8_t> ReadFile(const std::filesystem::path& path);
 
-/// The output files of one command. They are written into a folder of their own inside `directory`, and get their names
-/// there when Commit is called; without it, nothing remains of them, nor of folders made for them.
+/// The output files of one command. Write puts them into a temporary folder inside `directory`; Commit moves them to
+/// their names. If Commit is not called, the destructor removes them and any folders made for them.
 class StagedOutput {
  public:
-  /// Makes `directory` where it is missing. Throws DataError.
+  /// Makes `directory` if it is missing. From then on, a first interrupt makes the next Write or Commit throw instead
+  /// of ending the process. Throws DataError.
   explicit StagedOutput(const std::filesystem::path& directory);
   ~StagedOutput();
   StagedOutput(const StagedOutput&) = delete;
   StagedOutput& operator=(const StagedOutput&) = delete;
 
-  /// Writes the file that Commit will put at `name` in the directory. Throws DataError, also where a folder has that
-  /// name.
+  /// Writes the file that Commit will move to `name` in the directory. Throws DataError, also if `name` is a folder
+  /// there.
   void Write(const std::string& name, std::span<const uint8_t> bytes);
 
-  /// Moves all files to their names, over older ones. Throws DataError, with everything as it was before.
+  /// Moves all files to their names and replaces older files. If it throws DataError, every file is as it was before.
   void Commit();
 
  private:
+  /// Removes the temporary folder and the folders made for the output.
+  void Discard();
+
   std::filesystem::path directory_;
   std::vector<std::filesystem::path> made_;  // folders made for the output, the innermost first
-  std::filesystem::path stage_;
+  std::filesystem::path stage_;              // the temporary folder
   std::vector<std::string> names_;
 };
 

@@ -1,4 +1,4 @@
-// Turns input files into the depth words that the aligner takes.
+// Converts input files to depth words.
 #include "files/frames.h"
 
 #include <bit>

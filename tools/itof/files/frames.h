@@ -1,4 +1,4 @@
-// Depth frames from files.
+// Reads depth frames from files.
 #ifndef ITOF_TOOL_FILES_FRAMES_H_
 #define ITOF_TOOL_FILES_FRAMES_H_
 
@@ -14,11 +14,11 @@ enum class FrameFormat { kRawWords, kPngWords, kPngMillimetres };
 /// 640 x 360 depth words, row after row.
 struct DepthFrame {
   std::vector<uint16_t> words;
-  size_t aboveRange = 0;  // pixels whose value is beyond the largest depth code, and that have code 0 now
+  size_t aboveRange = 0;  // pixels with a value above the largest depth code; they have code 0
 };
 
-/// Reads one frame. Millimetres become depth codes of the confidence (0..7) that the PNG `confidence` holds at the same
-/// pixel, or 7 if that path is empty; in the other formats the words bring their own. Throws DataError.
+/// Reads one frame. In kPngMillimetres, the confidence (0..7) of each pixel comes from the PNG `confidence`, or is 7 if
+/// that path is empty; the other formats contain confidences and ignore `confidence`. Throws DataError.
 DepthFrame ReadDepthFrame(const std::filesystem::path& path, FrameFormat format,
                           const std::filesystem::path& confidence);
 

@@ -1,9 +1,8 @@
-// Lenses are inverted by Newton's method, which shares no error with the library's three rounds, and points are
-// projected one by one, without far plane or tables.
+// Computes rays, projections and fields of view exactly. Lenses are inverted by Newton's method, which shares no error
+// with the library's three rounds, and each point is projected without far plane or tables.
 #include "inspection/camerapair.h"
 
 #include <cmath>
-#include <limits>
 #include <numbers>
 #include <opencv2/calib3d.hpp>
 
@@ -13,8 +12,6 @@
 
 namespace itoftool {
 namespace {
-
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 cv::Vec3d Direction(cv::Point2d ray) { return {ray.x, ray.y, 1}; }
 
@@ -56,7 +53,7 @@ std::vector<cv::Point2d> Rays(const Camera& camera, std::span<const cv::Point2d>
   rays.reserve(pixels.size());
   for (const cv::Point2d& pixel : pixels) {
     const auto ray = Undistort(camera.lens, {(pixel.x - camera.cx) / camera.fx, (pixel.y - camera.cy) / camera.fy});
-    rays.push_back(ray ? cv::Point2d(ray->x, ray->y) : cv::Point2d(kNan, kNan));
+    rays.push_back(ray ? cv::Point2d(ray->x, ray->y) : kNowhere);
   }
   return rays;
 }
@@ -68,11 +65,11 @@ std::vector<cv::Point2d> Rays(const Camera& camera, std::span<const cv::Point> p
 std::vector<cv::Point2d> AuxPositions(const CameraPair& pair, std::span<const cv::Point2d> tofRays, double depth) {
   const double reach = LensReach(pair.aux.lens);
   std::vector<cv::Point3d> points;
-  std::vector<bool> seen;
+  std::vector<bool> isSeen;
   for (const cv::Point2d& ray : tofRays) {
     const cv::Vec3d point = pair.rotation * Direction(ray) * depth + pair.translation;
-    seen.push_back(point[2] > 0 && std::hypot(point[0], point[1]) < reach * point[2]);
-    points.emplace_back(seen.back() ? point : cv::Vec3d(0, 0, 1));
+    isSeen.push_back(point[2] > 0 && std::hypot(point[0], point[1]) < reach * point[2]);
+    points.emplace_back(isSeen.back() ? point : cv::Vec3d(0, 0, 1));
   }
   const auto& [fx, fy, cx, cy, lens] = pair.aux;
   const cv::Matx33d matrix(fx, 0, cx, 0, fy, cy, 0, 0, 1);
@@ -81,7 +78,7 @@ std::vector<cv::Point2d> AuxPositions(const CameraPair& pair, std::span<const cv
   std::vector<cv::Point2d> positions;
   cv::projectPoints(points, cv::Vec3d(), cv::Vec3d(), matrix, distortion, positions);
   for (size_t i = 0; i < positions.size(); ++i) {
-    if (!seen[i]) positions[i] = {kNan, kNan};
+    if (!isSeen[i]) positions[i] = kNowhere;
   }
   return positions;
 }

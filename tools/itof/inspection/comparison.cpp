@@ -1,18 +1,12 @@
-// Distances in pixels are what an engineer can weigh; everything that the calibration commands say comes down to them.
+// Compares positions of the same pixels and sums up their distances.
 #include "inspection/comparison.h"
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "support/quantile.h"
 
 namespace itoftool {
-namespace {
-
-const cv::Point2d kNowhere(std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::quiet_NaN());
-
-}  // namespace
 
 Spread MeasureSpread(std::span<const cv::Point> pixels, std::span<const cv::Point2d> a,
                      std::span<const cv::Point2d> b) {

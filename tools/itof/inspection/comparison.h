@@ -1,4 +1,4 @@
-// Where pixels land, compared between the alignment and exact geometry, and between two calibrations.
+// Compares where pixels land: with the alignment and in exact geometry, or with two calibrations.
 #ifndef ITOF_TOOL_INSPECTION_COMPARISON_H_
 #define ITOF_TOOL_INSPECTION_COMPARISON_H_
 
@@ -12,32 +12,33 @@
 
 namespace itoftool {
 
-/// Depths at which commands compare, in depth codes: 0.3, 1 and 3 m if a code is a millimetre.
+/// The depths of all comparisons, in depth codes: 0.3, 1 and 3 m if a code is a millimetre.
 inline constexpr uint16_t kCompareDepths[] = {300, 1000, 3000};
 
-/// How large a set of distances is, in pixels. Without any, all is 0.
+/// Statistics of a set of distances in pixels; all 0 if the set is empty.
 struct Spread {
   size_t count = 0;
   double median = 0, percentile95 = 0, maximum = 0;
-  cv::Point where;  // the ToF pixel of the maximum
+  cv::Point where;  // ToF pixel of the maximum
 };
 
-/// Of the distances between two positions of each pixel; those with a not-a-number are left out.
+/// The spread of the distances between `a` and `b`, two positions of each pixel. Pixels with a position that is
+/// not-a-number do not count.
 Spread MeasureSpread(std::span<const cv::Point> pixels, std::span<const cv::Point2d> a, std::span<const cv::Point2d> b);
 
-/// Positions in the aux picture to which the library moves ToF pixels of one depth code, before they are cut to cells;
-/// not-a-number for those that it does not land. The tables are those of ratio 1.
+/// Positions in the real aux image to which the library moves ToF pixels of one depth code, before truncation to cells;
+/// kNowhere for pixels that do not land. The tables must be for a ratio of 1.
 std::vector<cv::Point2d> AlignedPositions(const RunTables& tables, std::span<const cv::Point> pixels, uint16_t code);
 
-/// The library's cells against the exact positions of a frame whose pixels all have one depth code.
+/// The alignment against exact positions, for a frame whose pixels all have one depth code.
 struct Approximation {
-  Spread error;          // of the cells' centres, at pixels that land and belong into the frame
-  size_t lost = 0;       // belong into the frame, and are dropped or sent to the corner
-  size_t belonging = 0;  // belong into the frame
+  Spread error;     // from the middles of the targets, for pixels that land and whose exact position is in the frame
+  size_t lost = 0;  // pixels whose exact position is in the frame, but that are dropped or sent to the corner
+  size_t belonging = 0;  // pixels whose exact position is in the frame
 };
 Approximation MeasureApproximation(const CameraPair& pair, const RunTables& tables, uint16_t code);
 
-/// The share (0..1) of ToF pixels, one of each 8 x 8 taken, that the aux camera has in its frame at a depth.
+/// The share (0..1) of ToF pixels that the aux camera sees in its frame at a depth. Samples one pixel of each 8 x 8.
 double Overlap(const CameraPair& pair, double depth);
 
 }  // namespace itoftool

@@ -1,19 +1,19 @@
-// Two calibrations are compared in what the alignment makes of them: a field that it does not use moves nothing.
+// Lists the fields in which two calibrations differ, and measures the effect by running both through the alignment.
 #include "inspection/difference.h"
 
 #include <algorithm>
-#include <cmath>
+#include <functional>
 #include <vector>
 
 #include "calibration/calibrationfields.h"
 #include "inspection/comparison.h"
-#include "inspection/description.h"
+#include "inspection/valuetext.h"
 #include "support/text.h"
 
 namespace itoftool {
 namespace {
 
-/// The rows of the table of fields that differ.
+/// The table rows of the fields that differ.
 std::string DifferingFields(const itof::CalibrationRecord& a, const itof::CalibrationRecord& b) {
   std::string rows;
   itof::ForEachEntry([&](const itof::CalibrationField& field, size_t index) {
@@ -25,22 +25,21 @@ std::string DifferingFields(const itof::CalibrationRecord& a, const itof::Calibr
   return rows;
 }
 
-/// How nine pixels move at 1 m, which shows the kind of a displacement.
+/// How nine pixels move at 1 m, which shows whether the displacement is a shift, a turn or a scale.
 std::string NineMoves(const RunTables& tablesA, const RunTables& tablesB) {
   const std::vector<cv::Point> pixels = NinePixels();
   const auto a = AlignedPositions(tablesA, pixels, 1000), b = AlignedPositions(tablesB, pixels, 1000);
-  std::string text = "\nHow nine of them move at 1 m, pixels to the right and down\n";
+  std::string text = "\nHow nine of these pixels move at 1 m, in pixels to the right and down\n";
   for (size_t i = 0; i < pixels.size(); ++i) {
     const cv::Point2d move = b[i] - a[i];
-    const std::string from = Format("(%d, %d)", pixels[i].x, pixels[i].y);
-    const std::string by = std::isnan(move.x) ? "not with both" : Format("(%+.1f, %+.1f)", move.x, move.y);
-    text += Format("  %-10s  %-16s%s", from.c_str(), by.c_str(), i % 3 == 2 ? "\n" : "");
+    const std::string by = IsNowhere(move) ? "not with both" : Format("(%+.1f, %+.1f)", move.x, move.y);
+    text += Format("  %-10s  %-16s%s", PixelText(pixels[i]).c_str(), by.c_str(), i % 3 == 2 ? "\n" : "");
   }
   return text;
 }
 
 size_t CountLanded(const std::vector<cv::Point2d>& positions) {
-  return static_cast<size_t>(std::ranges::count_if(positions, [](cv::Point2d p) { return !std::isnan(p.x); }));
+  return static_cast<size_t>(std::ranges::count_if(positions, std::not_fn(IsNowhere)));
 }
 
 }  // namespace
@@ -50,16 +49,15 @@ std::string DifferenceText(const itof::CalibrationRecord& a, const itof::Calibra
   if (rows.empty()) return "The fields are the same.\n";
   std::string text = "Fields that differ, A and B\n";
   text += rows;
-  text += "\nBy how much aligned pixels move from A to B, pixels (before they are cut to cells)\n";
+  text += "\nHow far aligned positions move from A to B, in pixels (before truncation to cells)\n";
   text += "  depth    median   maximum, at ToF pixel        only with A   only with B\n";
   const RunTables tablesA(a, 1), tablesB(b, 1);
   const std::vector<cv::Point> pixels = TofPixels(1);
   for (const uint16_t depth : kCompareDepths) {
     const auto landedA = AlignedPositions(tablesA, pixels, depth), landedB = AlignedPositions(tablesB, pixels, depth);
     const Spread spread = MeasureSpread(pixels, landedA, landedB);
-    const std::string where = Format("(%d, %d)", spread.where.x, spread.where.y);
     text += Format("  %.1f m  %8.2f %9.2f  %-18s %12zu  %12zu\n", depth / 1000.0, spread.median, spread.maximum,
-                   spread.count > 0 ? where.c_str() : "-", CountLanded(landedA) - spread.count,
+                   spread.count > 0 ? PixelText(spread.where).c_str() : "-", CountLanded(landedA) - spread.count,
                    CountLanded(landedB) - spread.count);
   }
   return text + NineMoves(tablesA, tablesB);

@@ -1,4 +1,4 @@
-// In what two calibrations differ.
+// Compares two calibrations.
 #ifndef ITOF_TOOL_INSPECTION_DIFFERENCE_H_
 #define ITOF_TOOL_INSPECTION_DIFFERENCE_H_
 
@@ -8,8 +8,8 @@
 
 namespace itoftool {
 
-/// Text for a terminal: the fields that differ, and by how many pixels the alignment moves pixels from A to B. Both records
-/// must be usable.
+/// Text for a terminal: the fields that differ, and how far aligned pixels move from A to B. Both records must be ones
+/// that itof_init accepts.
 std::string DifferenceText(const itof::CalibrationRecord& a, const itof::CalibrationRecord& b);
 
 }  // namespace itoftool

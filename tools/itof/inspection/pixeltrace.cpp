@@ -1,5 +1,5 @@
-// The tables are the library's own. What it does with them a block of pixels at a time is written out here for a single
-// pixel, with names for what it only tests.
+// Follows single pixels through the library's own tables. The library works on blocks of pixels and does not record
+// what happened to each, so the steps after the tables are written here again for one pixel.
 #include "inspection/pixeltrace.h"
 
 #include <algorithm>
@@ -25,10 +25,11 @@ size_t IndexOf(cv::Point pixel) {
   return static_cast<size_t>(pixel.y) * size_t{itof::kFrameWidth} + static_cast<size_t>(pixel.x);
 }
 
-/// Fills two maps that hold 0 as those of a new context do, and tells which entries `fill` has written.
+/// Calls `fill`, which writes some entries of two maps, and returns which. The other entries are 0 afterwards, as in a
+/// new context.
 template <typename Fill>
 std::vector<bool> FindWritten(float* mapX, float* mapY, const Fill& fill) {
-  // No arithmetic gives a not-a-number of these bits.
+  // A not-a-number with bits that no arithmetic gives.
   constexpr uint32_t kMark = 0x7FC0A5A5;
   std::fill_n(mapX, kPixels, std::bit_cast<float>(kMark));
   std::fill_n(mapY, kPixels, 0.0F);
@@ -41,9 +42,9 @@ std::vector<bool> FindWritten(float* mapX, float* mapY, const Fill& fill) {
   return written;
 }
 
-/// The library undistorts on its way to the far plane. An aux camera in the ToF camera's place, without a lens, sees just
-/// that.
-void FindUndistorted(itof::AlignmentContext own, std::vector<float>& x, std::vector<float>& y) {
+/// Writes the undistorted position of every ToF pixel to `x` and `y`. The library undistorts inside the far-plane step;
+/// with an aux camera that has the place and the matrix of the ToF camera, that step gives just these positions.
+void FillUndistorted(itof::AlignmentContext own, std::vector<float>& x, std::vector<float>& y) {
   const double* k = own.params.tofIntrinsics;
   const double pinhole[9] = {k[0], 0, k[2], 0, k[4], k[5], 0, 0, 1};
   std::ranges::copy(pinhole, own.params.auxIntrinsics);
@@ -56,7 +57,7 @@ void FindUndistorted(itof::AlignmentContext own, std::vector<float>& x, std::vec
 
 RunTables::RunTables(const itof::CalibrationRecord& record, float ratio)
     : context_(MakeWorkingContext(record)), undistortedX_(kPixels), undistortedY_(kPixels) {
-  FindUndistorted(MakeWorkingContext(record), undistortedX_, undistortedY_);
+  FillUndistorted(MakeWorkingContext(record), undistortedX_, undistortedY_);
   float* const farX = context_.farPlaneMapX.get();
   float* const farY = context_.farPlaneMapY.get();
   const auto scale = static_cast<double>(ratio);
@@ -108,10 +109,10 @@ PixelTrace RunTables::TraceStart() const {
 }
 
 FrameFates TraceFrame(const RunTables& tables, std::span<const uint16_t> words) {
-  constexpr size_t kNobody = kPixels;
+  constexpr size_t kNone = kPixels;
   FrameFates frame;
   frame.fates.resize(kPixels);
-  std::vector<size_t> owners(kPixels, kNobody);  // of the aux frame's cells
+  std::vector<size_t> owners(kPixels, kNone);  // per cell of the aux frame, the pixel that wrote it last
   PixelTrace carried = tables.TraceStart();
   for (size_t i = 0; i < kPixels; ++i) {
     const bool hasDepth = itof::DepthCode(words[i]) != 0;
@@ -120,7 +121,7 @@ FrameFates TraceFrame(const RunTables& tables, std::span<const uint16_t> words) 
     frame.fates[i] = hasDepth ? carried.fate : Fate::kNoDepth;
     if (carried.fate != Fate::kLanded && carried.fate != Fate::kUnwrittenEntry) continue;
     size_t& owner = owners[IndexOf(carried.target)];
-    if (owner != kNobody && frame.fates[owner] == Fate::kLanded) {
+    if (owner != kNone && frame.fates[owner] == Fate::kLanded) {
       frame.fates[owner] = Fate::kOverwritten;
       if (!hasDepth) ++frame.counts.overwrittenWithoutDepth;
     }

@@ -1,4 +1,4 @@
-// What becomes of a depth pixel on its way through the library, stage by stage.
+// Follows depth pixels through the library, stage by stage.
 #ifndef ITOF_TOOL_INSPECTION_PIXELTRACE_H_
 #define ITOF_TOOL_INSPECTION_PIXELTRACE_H_
 
@@ -15,17 +15,17 @@
 
 namespace itoftool {
 
-/// How a pixel's way ends.
+/// What happened to a pixel.
 enum class Fate {
   kLanded,
-  kNoDepth,         // follows the pixel before it
-  kOverwritten,     // landed, and a later pixel took the cell
-  kOutsideGrid,     // its ideal cell is not in the lens table
-  kUnwrittenEntry,  // the lens puts its ideal cell outside the frame: sent to cell (0, 0)
-  kOutsideFrame,    // the lens table itself puts it beyond the frame
+  kNoDepth,         // goes to the target of the pixel before it
+  kOverwritten,     // landed, but a later pixel took the cell
+  kOutsideGrid,     // its ideal cell is outside the lens table
+  kUnwrittenEntry,  // its ideal cell has no entry in the lens table: sent to cell (0, 0)
+  kOutsideFrame,    // its entry in the lens table is outside the frame
 };
 
-/// Each fate, in the order of the values, for people and for programs.
+/// The names of the fates, in the order of the enum: for people, and as JSON keys.
 struct FateNames {
   const char* text;
   const char* key;
@@ -39,37 +39,37 @@ inline constexpr FateNames kFateNames[] = {
     {"outside the frame", "outside_frame"},
 };
 
-/// A pixel's stages. Positions are in pixels with integers at their centres.
+/// The stages of a pixel. Positions are in pixels, integers at pixel centres.
 struct PixelTrace {
-  cv::Point2d undistorted;  // ideal ToF image, after the library's three rounds
-  bool inFront;             // of the aux camera; without it the far-plane position is (0, 0)
-  cv::Point2d farPlane;     // ideal aux image at the run's ratio, as the two next ones
+  cv::Point2d undistorted;  // in the ideal ToF image, after the library's three rounds
+  bool inFront;             // of the aux camera; if false, the far-plane position is (0, 0)
+  cv::Point2d farPlane;     // in the ideal aux image at the run's ratio, as are the next two
   cv::Point2d parallax;
-  cv::Point2d ideal;
-  cv::Point cell;         // that `ideal` is in, rounded
+  cv::Point2d ideal;      // farPlane + parallax
+  cv::Point cell;         // ideal cell: `ideal` rounded
   Fate fate;              // kLanded, kOutsideGrid, kUnwrittenEntry or kOutsideFrame
-  cv::Point2d distorted;  // what the lens table has for the cell; (0, 0) if nothing
-  cv::Point target;       // cell of the aux frame, where the fate is kLanded or kUnwrittenEntry
+  cv::Point2d distorted;  // the cell's entry in the lens table, in the real aux image; (0, 0) if it has none
+  cv::Point target;       // cell of the aux frame, if the fate is kLanded or kUnwrittenEntry
 };
 
-/// The library's tables for one calibration and one ratio, in a process that has just loaded the library.
+/// The library's tables for one calibration and one ratio, as the first run after itof_init has them.
 class RunTables {
  public:
   RunTables(const itof::CalibrationRecord& record, float ratio);
 
-  /// The way of ToF pixel (x, y) with a depth word, whose code is not 0.
+  /// Follows ToF pixel (x, y) with a depth word whose code is not 0.
   PixelTrace Trace(int x, int y, uint16_t word) const;
 
-  /// The way of a pixel without depth that no pixel with depth has gone before.
+  /// Follows a pixel without depth before the first pixel with depth of a frame.
   PixelTrace TraceStart() const;
 
   const itof::AlignmentContext& Context() const { return context_; }
 
  private:
-  /// Looks the ideal position of a trace up, and fills in the rest.
+  /// Fills in the stages of a trace after the ideal position.
   void LookUp(PixelTrace& trace) const;
 
-  itof::AlignmentContext context_;  // with its run tables; entries that were not written hold 0
+  itof::AlignmentContext context_;  // with the maps filled; entries that the run does not write are 0
   std::vector<bool> inFront_, hasEntry_;
   std::vector<float> undistortedX_, undistortedY_;
 };
@@ -77,16 +77,16 @@ class RunTables {
 /// How many pixels of a frame have each fate.
 struct FateCounts {
   std::array<size_t, std::size(kFateNames)> byFate{};
-  size_t overwrittenWithoutDepth = 0;  // of the overwritten ones, those whose cell a pixel without depth took
+  size_t overwrittenWithoutDepth = 0;  // overwritten pixels whose cell a pixel without depth took
 };
 
-/// The fate of every pixel of a frame, row after row.
+/// The fate of every pixel of a frame, row by row.
 struct FrameFates {
   std::vector<Fate> fates;
   FateCounts counts;
 };
 
-/// Follows all pixels of a frame of 640 x 360 depth words, the first frame of its run.
+/// Follows all pixels of a frame of 640 x 360 depth words.
 FrameFates TraceFrame(const RunTables& tables, std::span<const uint16_t> words);
 
 }  // namespace itoftool

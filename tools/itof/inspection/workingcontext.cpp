@@ -1,4 +1,4 @@
-// The library keeps its context to itself, so this builds another one in the same way.
+// Builds an alignment context as itof_init does, since the library does not expose its own.
 #include "inspection/workingcontext.h"
 
 #include "calibration/alignmentparams.h"

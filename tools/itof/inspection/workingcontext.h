@@ -1,4 +1,4 @@
-// The alignment's own state for a calibration, for commands that say what it will do.
+// Builds the state that the alignment has for a calibration.
 #ifndef ITOF_TOOL_INSPECTION_WORKINGCONTEXT_H_
 #define ITOF_TOOL_INSPECTION_WORKINGCONTEXT_H_
 
@@ -7,7 +7,8 @@
 
 namespace itoftool {
 
-/// The context that itof_init builds from `record`: camera matrices for 640 x 360, lens handling on, no tables yet.
+/// The context that itof_init builds from `record`: camera matrices for 640 x 360, distortion enabled, maps and tables
+/// not yet filled.
 itof::AlignmentContext MakeWorkingContext(const itof::CalibrationRecord& record);
 
 }  // namespace itoftool

@@ -1,5 +1,5 @@
-// Says of the output what its words cannot say themselves. The aux camera's values come from the alignment's own code,
-// so that they are those that the frames were made with.
+// Makes the text of alignment.json. The aux camera's values come from the alignment's own code, so they are the values
+// that the frames were made with.
 #include "report/alignmentjson.h"
 
 #include <nlohmann/json.hpp>
@@ -16,12 +16,12 @@ Json AuxCamera(const itof::CalibrationRecord& record) {
   const itof::AlignmentContext context = MakeWorkingContext(record);
   const auto& k = context.params.auxIntrinsics;
   const itof::CameraModel& lens = context.auxModel;
-  // Positions are cut to cells, not rounded: the middle of cell (u, v) is the position (u + 0.5, v + 0.5).
+  // Positions are truncated to cells, so the middle of cell (u, v) is the position (u + 0.5, v + 0.5).
   constexpr double kCellShift = 0.5;
   return {{"matrix", {{k[0], k[1], k[2] - kCellShift}, {k[3], k[4], k[5] - kCellShift}, {k[6], k[7], k[8]}}},
           {"matrix_note",
-           "pixels of the output image, without the ratio; cx and cy are those of the calibration at this "
-           "size less 0.5, since output cell (u, v) holds the positions [u, u+1) x [v, v+1), where integers "
+           "in pixels of the output image, without the ratio; cx and cy are 0.5 smaller than in the calibration "
+           "scaled to this size, because output cell (u, v) holds the positions [u, u+1) x [v, v+1), where integers "
            "are the centres of the aux camera's pixels"},
           {"distortion",
            {{"k1", lens.k1},
@@ -33,8 +33,8 @@ Json AuxCamera(const itof::CalibrationRecord& record) {
             {"p1", lens.p1},
             {"p2", lens.p2}}},
           {"distortion_note",
-           "rational model of OpenCV: radial factor (1 + k1 r^2 + k2 r^4 + k3 r^6) / (1 + k4 r^2 + k5 r^4 + "
-           "k6 r^6), tangential p1, p2; the output image is distorted like the camera's own"}};
+           "OpenCV's rational model: radial factor (1 + k1 r^2 + k2 r^4 + k3 r^6) / (1 + k4 r^2 + k5 r^4 + "
+           "k6 r^6), tangential coefficients p1 and p2; the output image has the aux camera's distortion"}};
 }
 
 Json Fates(const FateCounts& counts) {
@@ -61,10 +61,10 @@ std::string AlignmentJson(const CalibrationFile& calibration, float ratio, const
       {"aux_camera", AuxCamera(calibration.record)},
       {"ratio", static_cast<double>(ratio)},
       {"depth",
-       {{"unit", "the unit of length of the calibration's translation; millimetres if that is in millimetres"},
+       {{"unit", "the unit of the calibration's translation, usually millimetres"},
         {"step", 16},
         {"wrap", 4096},
-        {"wrap_note", "depths of 4096 and above come out less 4096"},
+        {"wrap_note", "depths of 4096 and above come out 4096 too small"},
         {"axis", "along the optical axis of the ToF camera, not of the aux camera"},
         {"frame", "ToF camera"}}},
       {"words",
@@ -73,11 +73,11 @@ std::string AlignmentJson(const CalibrationFile& calibration, float ratio, const
         {"bits_8_to_10", "confidence, 0 to 7"},
         {"bits_11_to_15", "0"},
         {"no_depth",
-         "bits 0 to 7 are 0, which codes 0 to 15 and 4096 to 4111 also give; the word itself may hold confidence"},
-        {"png", "NAME.aligned.png holds bits 0 to 7 times 16, that is the depth in its unit; 0 is no depth"}}},
+         "bits 0 to 7 are 0, also for depth codes 1 to 15 and 4096 to 4111; the word may still hold confidence"},
+        {"png", "NAME.aligned.png holds bits 0 to 7 times 16, which is the depth in its unit; 0 means no depth"}}},
       {"calibration", {{"file", calibration.path.string()}, {"sha256", calibration.sha256}}},
       {"frames", list}};
-  // File names may hold any bytes; JSON holds UTF-8 only.
+  // File names may contain any bytes, JSON only UTF-8.
   return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 

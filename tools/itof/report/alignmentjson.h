@@ -1,4 +1,4 @@
-// alignment.json: what the aligned frames are, for the programs that read them.
+// Writes alignment.json, which describes the aligned frames for programs that read them.
 #ifndef ITOF_TOOL_REPORT_ALIGNMENTJSON_H_
 #define ITOF_TOOL_REPORT_ALIGNMENTJSON_H_
 
@@ -10,7 +10,7 @@
 
 namespace itoftool {
 
-/// The file's text.
+/// Returns the file's text.
 std::string AlignmentJson(const CalibrationFile& calibration, float ratio, const std::vector<FrameReport>& frames);
 
 }  // namespace itoftool

@@ -1,4 +1,4 @@
-// Text and panels, in one style for all sheets.
+// Draws text and panels.
 #include "report/drawing.h"
 
 #include <algorithm>

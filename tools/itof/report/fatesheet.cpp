@@ -1,4 +1,4 @@
-// What is as it should be recedes; what is lost stands out.
+// Draws the fates: landed pixels in a dim colour, lost pixels in bright ones.
 #include "report/fatesheet.h"
 
 #include <algorithm>
@@ -32,7 +32,7 @@ cv::Mat DrawFates(const FrameFates& frame, const std::string& caption) {
   }
   const int legendTop = kTitleHeight + kHeight + kMargin;
   cv::Mat sheet(legendTop + kLines * kLineHeight + kMargin, kWidth + 2 * kMargin, CV_8UC3, kPaper);
-  DrawPanel(sheet, 0, 0, "What became of each pixel, ToF view", view);
+  DrawPanel(sheet, 0, 0, "Outcome of each pixel, ToF view", view);
   for (size_t i = 0; i < std::size(kFateNames); ++i) {
     const int top = legendTop + static_cast<int>(i) * kLineHeight;
     const cv::Rect place(kMargin, top, kSwatchWidth, kSwatchHeight);

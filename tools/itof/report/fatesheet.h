@@ -1,4 +1,4 @@
-// The picture in which a person sees where depth pixels get lost.
+// Draws a picture that shows where depth pixels get lost.
 #ifndef ITOF_TOOL_REPORT_FATESHEET_H_
 #define ITOF_TOOL_REPORT_FATESHEET_H_
 

@@ -1,4 +1,5 @@
-// Draws the preview. Near is warm and far is cold; what has no depth is hatched grey, which no depth is.
+// Draws the preview. Near is warm and far is cold. Pixels without depth are hatched grey, a colour outside the depth
+// scale.
 #include "report/preview.h"
 
 #include <algorithm>
@@ -18,7 +19,7 @@ const cv::Scalar kWarning(60, 190, 255);
 /// Maps depth codes between two limits to colours; codes beyond a limit get its colour.
 class ColourScale {
  public:
-  /// Limits that leave out 1 % of the pixels with depth at either end, so that stray pixels do not flatten the rest.
+  /// Leaves out 1 % of the pixels with depth at each end, so a few stray pixels do not compress the scale of the rest.
   explicit ColourScale(const cv::Mat& codes) {
     std::vector<uint16_t> sorted;
     std::copy_if(codes.begin<uint16_t>(), codes.end<uint16_t>(), std::back_inserter(sorted),
@@ -30,7 +31,7 @@ class ColourScale {
     }
     far_ = std::max(far_, near_ + 16);  // one step of the output
     cv::Mat ramp(1, kShades, CV_8U);
-    // Without both ends of the map, which are nearly black.
+    // The ends of the colour map are nearly black and are left out.
     for (int i = 0; i < kShades; ++i) ramp.at<uint8_t>(i) = static_cast<uint8_t>(240 - i * 220 / kShades);
     cv::applyColorMap(ramp, shades_, cv::COLORMAP_TURBO);
   }
@@ -43,14 +44,14 @@ class ColourScale {
   }
 
  private:
-  // Broad bands, since sensor noise that changes the colour of every pixel would swell the file.
+  // With few shades, sensor noise hardly changes colours, and the PNG file stays small.
   static constexpr int kShades = 20;
   int near_ = 0;
   int far_ = 0;
   cv::Mat shades_;
 };
 
-/// `background` with the colours of `codes` where there is depth, `opacity` of them.
+/// Blends the colours of `codes`, where there is depth, over `background` with `opacity` (0..1).
 cv::Mat Colourise(const cv::Mat& codes, const ColourScale& scale, const cv::Mat& background, float opacity) {
   cv::Mat picture = background.clone();
   for (int y = 0; y < codes.rows; ++y) {
@@ -64,7 +65,7 @@ cv::Mat Colourise(const cv::Mat& codes, const ColourScale& scale, const cv::Mat&
   return picture;
 }
 
-/// Rounds the colours to fewer levels, which the eye hardly sees and which halves the size of the file.
+/// Rounds the colours to fewer levels, which is hardly visible and halves the size of the file.
 cv::Mat Coarsen(const cv::Mat& picture) {
   constexpr int kLevels = 24;
   cv::Mat coarse(1, 256, CV_8U);
@@ -76,7 +77,7 @@ cv::Mat Coarsen(const cv::Mat& picture) {
   return result;
 }
 
-/// The bar of colours from `left` to `right`, with round numbers under it.
+/// Draws the colour scale as a bar from `left` to `right`, with round numbers under it.
 void DrawColourBar(cv::Mat& sheet, const ColourScale& scale, int left, int right, int top) {
   constexpr int kBarHeight = 14;
   const int range = scale.Far() - scale.Near();

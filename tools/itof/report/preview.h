@@ -1,4 +1,4 @@
-// The picture in which a person sees whether a frame is aligned.
+// Draws a picture that shows how well a frame is aligned.
 #ifndef ITOF_TOOL_REPORT_PREVIEW_H_
 #define ITOF_TOOL_REPORT_PREVIEW_H_
 
@@ -7,10 +7,10 @@
 
 namespace itoftool {
 
-/// Draws depth before and after alignment side by side, in one colour scale with a legend. Both are CV_16U of 640 x 360
-/// depth codes, 0 where there is no depth: `input` in the ToF camera's view, 0..8191, `aligned` in the aux camera's,
-/// 0..4080. With `aux`, the aux camera's picture (CV_8UC3, 640 x 360; may be empty), it also shows that picture, alone
-/// and under the aligned depth. `caption` is one line of text.
+/// Draws depth before and after alignment side by side, in one colour scale with a legend. `input` (ToF camera's view,
+/// 0..8191) and `aligned` (aux camera's view, 0..4080) are CV_16U pictures of 640 x 360 depth codes; 0 is no depth.
+/// `aux` is the aux camera's picture, CV_8UC3 of 640 x 360; unless it is empty, a second row shows it alone and under
+/// the aligned depth. `caption` is one line of text.
 cv::Mat DrawPreview(const cv::Mat& input, const cv::Mat& aligned, const cv::Mat& aux, const std::string& caption);
 
 }  // namespace itoftool

@@ -1,4 +1,4 @@
-// Figures of a run. Times are of the library's calls alone, without files and pictures.
+// Prints the figures of a run. Times are those of the library's calls only, without files and pictures.
 #include "report/summary.h"
 
 #include <unistd.h>
@@ -8,14 +8,11 @@
 #include <numeric>
 
 #include "support/quantile.h"
+#include "support/text.h"
 
 namespace itoftool {
 
-std::string Percent(double share) {
-  char text[16];
-  std::snprintf(text, sizeof text, "%.1f %%", 100 * share);
-  return text;
-}
+std::string Percent(double share) { return Format("%.1f %%", 100 * share); }
 
 Progress::Progress(size_t total, bool off) : total_(total), visible_(!off && isatty(STDERR_FILENO) == 1) {}
 
@@ -34,7 +31,7 @@ void Progress::Show(size_t done) const {
 
 namespace {
 
-/// The fates of all frames together, if they were followed.
+/// Prints how many pixels of all frames have each fate, if that was counted.
 void PrintFates(const std::vector<FrameReport>& frames) {
   if (!frames.front().fates) return;
   FateCounts sum;
@@ -43,12 +40,12 @@ void PrintFates(const std::vector<FrameReport>& frames) {
     sum.overwrittenWithoutDepth += frame.fates->overwrittenWithoutDepth;
   }
   const size_t total = std::accumulate(sum.byFate.begin(), sum.byFate.end(), size_t{0});
-  std::printf("depth pixels                %zu, of which\n", total);
+  std::printf("ToF pixels                  %zu, of which\n", total);
   for (size_t i = 0; i < sum.byFate.size(); ++i) {
     const double share = static_cast<double>(sum.byFate[i]) / static_cast<double>(total);
     std::printf("  %10zu  %7s  %s", sum.byFate[i], Percent(share).c_str(), kFateNames[i].text);
     const bool overwritten = static_cast<Fate>(i) == Fate::kOverwritten;
-    if (overwritten) std::printf(", %zu of them by one without depth", sum.overwrittenWithoutDepth);
+    if (overwritten) std::printf(", %zu of them by a pixel without depth", sum.overwrittenWithoutDepth);
     std::printf("\n");
   }
 }
@@ -64,7 +61,7 @@ void PrintSummary(const std::vector<FrameReport>& frames, const std::filesystem:
     reached += frame.reached;
     aboveRange += frame.aboveRange;
   }
-  // The first frame also builds the run's tables, and would stand for the slowest percent of any short run.
+  // The first frame also builds the run's tables. It would be the 99th percentile of every short run.
   const double first = milliseconds.front();
   milliseconds.erase(milliseconds.begin());
   std::ranges::sort(milliseconds);
@@ -76,8 +73,7 @@ void PrintSummary(const std::vector<FrameReport>& frames, const std::filesystem:
   }
   std::printf("first frame, with tables    %.2f milliseconds\n", first);
   std::printf("aux pixels reached          %s\n", Percent(reached / static_cast<double>(frames.size())).c_str());
-  std::printf("pixels above 8191           %zu%s\n", aboveRange,
-              aboveRange > 0 ? ", which count as without depth:" : "");
+  std::printf("pixels above 8191           %zu%s\n", aboveRange, aboveRange > 0 ? ", treated as without depth:" : "");
   for (const FrameReport& frame : frames) {
     if (frame.aboveRange > 0) std::printf("  %s: %zu\n", frame.input.c_str(), frame.aboveRange);
   }

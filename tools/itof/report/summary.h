@@ -1,4 +1,4 @@
-// What a run tells its user on the terminal.
+// Prints the progress and the summary of a run.
 #ifndef ITOF_TOOL_REPORT_SUMMARY_H_
 #define ITOF_TOOL_REPORT_SUMMARY_H_
 
@@ -11,10 +11,10 @@
 
 namespace itoftool {
 
-/// A share (0..1) as text, e.g. "83.4 %".
+/// Formats a share (0..1), e.g. "83.4 %".
 std::string Percent(double share);
 
-/// A bar on standard error, if that is a terminal; wiped out at the end of the object's life.
+/// Shows a progress bar on standard error if that is a terminal and `off` is false. The destructor erases it.
 class Progress {
  public:
   Progress(size_t total, bool off);
@@ -29,7 +29,7 @@ class Progress {
   bool visible_;
 };
 
-/// Prints the table that ends a run. Throws DataError if standard output does not take it.
+/// Prints the table at the end of a run.
 void PrintSummary(const std::vector<FrameReport>& frames, const std::filesystem::path& directory);
 
 }  // namespace itoftool

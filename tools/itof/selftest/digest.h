@@ -1,4 +1,4 @@
-// A number for the bits of many values: FNV-1a of 64 bits, by Fowler, Noll and Vo.
+// Computes the 64-bit FNV-1a hash (by Fowler, Noll and Vo) of values.
 #ifndef ITOF_TOOL_SELFTEST_DIGEST_H_
 #define ITOF_TOOL_SELFTEST_DIGEST_H_
 
@@ -10,18 +10,18 @@ namespace itoftool::selftest {
 
 class Digest {
  public:
-  /// Takes in the bytes of `value`, the lowest first, whatever order this machine keeps them in.
+  /// Adds the bytes of `value`, the lowest first on every machine.
   template <typename Unsigned>
   void Add(Unsigned value) {
     for (unsigned shift = 0; shift < 8 * sizeof value; shift += 8) {
       state_ = (state_ ^ ((value >> shift) & 0xFF)) * 0x100000001B3;
     }
   }
-  /// Processors give not-a-number different bits, so all of them count as one.
+  /// Adds the bits of `value`. Processors give not-a-number different bits, so every one counts as 0x7FC00000.
   void Add(float value) { Add(std::isnan(value) ? uint32_t{0x7FC00000} : std::bit_cast<uint32_t>(value)); }
 
   uint64_t Value() const { return state_; }
-  /// The same in 32 bits, by folding.
+  /// The hash folded to 32 bits.
   uint32_t Folded() const { return static_cast<uint32_t>(state_ ^ (state_ >> 32)); }
 
  private:

@@ -1,5 +1,5 @@
-// Made by the plain form in tests/plain/, compiled without optimisation: the test SelfTest.PlainFormGivesTheExpectedDigests
-// fails where they differ, and prints what it finds in the form in which it stands here.
+// Holds the expected digests. The plain form in tests/plain/ made them, compiled without optimisation. If they are
+// wrong, the test SelfTest.PlainFormGivesTheExpectedDigests fails and prints the right ones in this form.
 #include "selftest/selftest.h"
 
 namespace itoftool::selftest {

@@ -1,4 +1,5 @@
-// Integers and single divisions make the inputs, so that they are the same bits wherever this is compiled.
+// Makes the inputs, runs the cases and computes the digests. The inputs are made from integers with single divisions,
+// so every compiler gives the same bits.
 #include "selftest/selftest.h"
 
 #include <algorithm>
@@ -16,10 +17,10 @@
 namespace itoftool::selftest {
 namespace {
 
-/// A camera pair in whole numbers.
+/// A camera pair in integers.
 struct Pair {
   const char* name;
-  int32_t tofSize[2], auxSize[2];  // of the calibration's images, pixels
+  int32_t tofSize[2], auxSize[2];  // calibration sizes, pixels
   int64_t tofPinhole[4];           // fx, cx, fy, cy in 1/16 pixels
   int64_t auxPinhole[4];
   int32_t turn[4];                 // quaternion, of any length, of the rotation from the ToF to the aux camera
@@ -32,19 +33,19 @@ constexpr Pair kPairs[] = {
     {"gentle", {640, 360}, {640, 360},
      {7685, 5111, 7679, 2889}, {8453, 5139, 8447, 2855}, {1000, 3, -5, 2}, {1613, -37, 45},
      {-83886, 31457, 419, -629, -5243, 20971, -10486, 2097}, {104857, -73400, -838, 524, 12582, 8389, -4194, 1049}},
-    // Coefficients as factories fit them: large ones that nearly cancel. Both cameras have to be scaled.
+    // Large coefficients that nearly cancel, as in factory calibrations. Both cameras have to be scaled.
     {"factory", {640, 480}, {1920, 1080},
      {7809, 5107, 10401, 3871}, {23041, 15485, 23011, 8527}, {200, 7, 9, -4}, {-3841, 705, 321},
      {5557453, -3250585, 1153, -839, 943718, 5767168, -2306867, 419430},
      {-2411725, 1677722, -1573, 2097, -314573, -2202010, 1310720, 104858}},
-    // Positions are differences of numbers a million times as large, so that the last bits of double precision, which
-    // maps of single precision hide elsewhere, come to the fore. The lenses are such that the view stays in the frame.
+    // Positions are differences of numbers a million times as large, so the last bits of double precision reach the
+    // single-precision maps. The lenses keep the view in the frame.
     {"distant", {640, 360}, {640, 360},
      {8640499712, -4626280960, 8367435776, -4371721728}, {8639868928, -4319936512, 8367706112, -4183855104},
      {1000, 7, -9, 4}, {0, 0, 3},
      {283886, -231457, -419, 629, 415729, 241943, -180972, 402430},
      {-394372, 252429, 524, 524, 487516, -431457, 220972, 710486}},
-    // Half of the view is behind the aux camera, both lenses have poles, near points move by many frames.
+    // Half of the view is behind the aux camera, both lenses have poles, and near points move by many frame widths.
     {"extreme", {640, 180}, {100, 3000},
      {2251, 5003, 1201, 1445}, {1177, 827, 32501, 24001}, {3, 1, -2, 1}, {87361, -43003, 99999},
      {-3145728, 2097152, 104857, -52429, -1048576, -2097152, 943718, -524288},
@@ -84,8 +85,8 @@ itof::CalibrationRecord MakeRecord(const Pair& pair) {
   return record;
 }
 
-/// Depth words of a slanted wall with boxes before it, some pixels without depth, some with any depth at all, some with
-/// codes so small that their parallax is many frames.
+/// Makes the depth words of a slanted wall with boxes in front of it. Some pixels have no depth, some a random depth,
+/// and some a code so small that the parallax is many frame widths.
 std::vector<uint16_t> MakeFrame() {
   std::vector<uint16_t> frame;
   uint32_t random = 20240229;
@@ -141,8 +142,8 @@ CaseDigests RunCase(const Steps& steps, const CaseName& name, const std::vector<
 const Steps kLibrary = {itof::InitAlignmentContext, itof::AlignmentFarPlane, itof::DistortLUT,
                         itof::RunApproximateAlignment, itof::AlignedWord};
 
-// A ratio of infinity makes every map entry of the far plane not a number, one of 1e30 puts positions far outside all
-// integers: there processors differ when they convert.
+// With an infinite ratio every entry of the far-plane maps is not a number. With 1e30 positions are far outside the
+// range of integers, where processors convert differently.
 const std::array<CaseName, kCases> kCaseNames = {{
     {"gentle", 1, true},
     {"gentle", 1, false},

@@ -1,5 +1,5 @@
-// The alignment on camera pairs and a frame that are the same on every machine, with one number for the bits of each
-// stage: what a device computes can be compared with what any other does by looking at one line.
+// Runs the alignment on fixed camera pairs and a fixed frame, and computes a digest of the bits of each stage and one
+// of all, so that two machines can be compared by one line.
 #ifndef ITOF_TOOL_SELFTEST_SELFTEST_H_
 #define ITOF_TOOL_SELFTEST_SELFTEST_H_
 
@@ -11,7 +11,7 @@
 
 namespace itoftool::selftest {
 
-/// The alignment as somebody wrote it: the library, or its plain form in the tests.
+/// One implementation of the alignment: the library, or its plain form in the tests.
 struct Steps {
   decltype(itof::InitAlignmentContext)* initContext;
   void (*farPlane)(itof::AlignmentContext&, float* mapX, float* mapY, double scaleX, double scaleY);
@@ -21,15 +21,16 @@ struct Steps {
   uint16_t (*alignedWord)(uint16_t workingWord);
 };
 
-/// The library's own.
+/// The library's implementation.
 extern const Steps kLibrary;
 
-/// What is digested of each case: both maps of each table, the working buffer, the aligned frame.
+/// The stages of each case that have a digest: both far-plane maps, both maps of the lens table, the working buffer,
+/// and the aligned frame.
 inline constexpr size_t kStages = 6;
 inline constexpr std::array<const char*, kStages> kStageNames{"far x",  "far y",   "lens x",
                                                               "lens y", "working", "aligned"};
 
-/// Camera pair, ratio, and whether lens distortion is handled.
+/// A case: camera pair, ratio, and whether lens distortion is on.
 struct CaseName {
   const char* pair;
   float ratio;
@@ -39,18 +40,18 @@ struct CaseName {
 inline constexpr size_t kCases = 12;
 extern const std::array<CaseName, kCases> kCaseNames;
 
-/// FNV-1a, 64 bits folded to 32, over the little-endian bytes of a stage's values, each not-a-number taken as
+/// 64-bit FNV-1a, folded to 32 bits, of the little-endian bytes of each stage's values. Every not-a-number counts as
 /// 0x7FC00000.
 using CaseDigests = std::array<uint32_t, kStages>;
 using Digests = std::array<CaseDigests, kCases>;
 
-/// Runs every case. What `steps` print goes where they print it. Throws std::bad_alloc.
+/// Runs every case. Does not hide lines that `steps` print. Throws std::bad_alloc.
 Digests RunCases(const Steps& steps);
 
-/// What every machine should give, made by the plain form.
+/// The digests that every machine should get, made by the plain form.
 extern const Digests kExpected;
 
-/// One number for all: FNV-1a, 64 bits, over the digests in order.
+/// One digest of all: 64-bit FNV-1a of the digests in order.
 uint64_t Overall(const Digests& digests);
 
 }  // namespace itoftool::selftest

@@ -1,4 +1,4 @@
-// The ToF camera: what it measures behind each pixel, and where it fails to.
+// Simulates the ToF camera: measures depth and light at each pixel, and models noise and failures.
 #include <algorithm>
 #include <cmath>
 #include <random>
@@ -10,7 +10,7 @@ namespace {
 
 struct Measurement {
   double depth;  // along the axis, millimetres
-  double light;  // that comes back: 1 from a perfect white surface, facing the camera at 1 m
+  double light;  // returned: 1 from a perfectly white surface that faces the camera at 1 m
   bool saturated;
 };
 
@@ -25,7 +25,7 @@ std::vector<Measurement> Measure(const Rig& rig, const Scene& scene) {
       const double length = Length(direction);
       const double facing = -Dot(direction, hit.normal) / length;
       const double metres = hit.distance * length / 1000;
-      double highlight = facing;  // to the 64th power: the light source is beside the lens
+      double highlight = facing;  // to the 64th power; the light source is next to the lens
       for (int doubling = 0; doubling < 6; ++doubling) highlight *= highlight;
       const double light = hit.material->infrared * facing / (metres * metres);
       const double mirrored = hit.material->gloss * highlight / (metres * metres);
@@ -36,7 +36,7 @@ std::vector<Measurement> Measure(const Rig& rig, const Scene& scene) {
   return measurements;
 }
 
-/// 7 for plenty of light, one less with every halving, 0 for what hardly stands out.
+/// 7 for plenty of light, and one less for each halving, down to 0.
 int ConfidenceOf(double light) {
   int confidence = 7;
   for (double threshold = 0.2; confidence > 0 && light < threshold; threshold /= 2) --confidence;
@@ -48,8 +48,8 @@ uint16_t Word(double depth, int confidence) {
   return static_cast<uint16_t>((confidence << 13) | static_cast<int>(std::clamp(depth + 0.5, 1.0, kDeepest)));
 }
 
-/// Standard normal to about three deviations: a sum of twelve uniform draws. The standard library's own distribution
-/// differs between its makers.
+/// Standard normal up to about three deviations, as a sum of twelve uniform draws. std::normal_distribution gives
+/// different numbers in different standard libraries.
 double Normal(std::mt19937_64& random) {
   double sum = -6;
   for (int draw = 0; draw < 3; ++draw) {
@@ -59,7 +59,8 @@ double Normal(std::mt19937_64& random) {
   return sum;
 }
 
-/// A strong edge through the pixel: the depth on its other side, or the pixel's own if there is none.
+/// Returns the depth on the other side of a strong edge through the pixel, or the pixel's own depth if there is no
+/// edge.
 double DepthAcrossEdge(const std::vector<Measurement>& measurements, int x, int y) {
   const auto depthAt = [&](int column, int row) {
     return measurements[static_cast<size_t>(row) * kWidth + static_cast<size_t>(column)].depth;
@@ -98,12 +99,12 @@ std::vector<uint16_t> DepthWords(const Rig& rig, const Scene& scene, uint64_t se
     for (int x = 0; x < kWidth; ++x) {
       const auto& [depth, light, saturated] = measurements[words.size()];
       const double across = DepthAcrossEdge(measurements, x, y);
-      // Drawn for every pixel, so that a change of the scene leaves the noise elsewhere as it is.
+      // Drawn for every pixel, so that a change of the scene does not change the noise of other pixels.
       const double noise = Normal(random) * (0.5 + 1.2 / std::sqrt(light));
       const uint64_t edgeBits = random();
       const double share = static_cast<double>(edgeBits >> 32) / 4294967296.0;
 
-      // The camera itself rejects some of the pixels that mix the two sides of an edge.
+      // The camera rejects some of the pixels that mix both sides of an edge.
       const bool mixed = across != depth && (edgeBits & 3) < 2;
       const bool rejected = mixed && (edgeBits & 3) == 1;
       if (light < kLeastLight || saturated || rejected) {
@@ -117,5 +118,7 @@ std::vector<uint16_t> DepthWords(const Rig& rig, const Scene& scene, uint64_t se
   }
   return words;
 }
+
+uint64_t FrameSeed(uint64_t sequenceSeed, int frame) { return sequenceSeed * 1'000'003 + static_cast<uint64_t>(frame); }
 
 }  // namespace itoftool::simulation

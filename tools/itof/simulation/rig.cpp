@@ -1,5 +1,5 @@
-// The simulated camera pairs. The cameras are read back out of the record, so that the file's single precision is part
-// of the truth and not an error of whoever aligns with it.
+// Makes the simulated camera pairs. The cameras are read back from the record, so the true depth includes the rounding
+// to the file's single precision.
 #include "simulation/rig.h"
 
 #include <algorithm>
@@ -8,7 +8,7 @@
 namespace itoftool::simulation {
 namespace {
 
-/// One camera as its maker calibrated it, on pictures of width x height pixels.
+/// One camera as calibrated, on pictures of width x height pixels.
 struct CalibratedCamera {
   double width, height, fx, fy, cx, cy;
   Lens lens;
@@ -29,8 +29,8 @@ void StoreCamera(const CalibratedCamera& camera, float& width, float& height, fl
                  [](double value) { return static_cast<float>(value); });
 }
 
-/// The camera at 640 x 360. Resizing a picture by s keeps the picture's edges, half a pixel outside the centres of its
-/// outermost pixels: position p goes to s (p + 1/2) - 1/2.
+/// Scales a camera to 640 x 360. Resizing a picture by s keeps its edges, half a pixel outside the centres of the
+/// outermost pixels, so position p goes to s (p + 1/2) - 1/2.
 Camera WorkingCamera(float width, float height, const float (&intrinsics)[9], const float (&distortion)[8]) {
   const double sx = kWidth / static_cast<double>(width);
   const double sy = kHeight / static_cast<double>(height);
@@ -70,10 +70,9 @@ Rig MakeRig(const CalibratedCamera& tof, const CalibratedCamera& aux, const Mat3
 
 }  // namespace
 
-// Both ToF cameras are calibrated in a readout of 640 x 480 whose pixels are wider than high, and both aux cameras at
-// full HD, so that both matrices have to be scaled, and not by the same factors. With negative x and y of the
-// translation, near points move toward the start of rows and columns: where they cover far ones they come later in
-// row-major order.
+// Both ToF cameras are calibrated at 640 x 480 with pixels wider than high, and both aux cameras at full HD, so both
+// matrices have to be scaled, by different factors. The x and y of the translation are negative, so near points move
+// toward the start of rows and columns. Where they cover far points, they come later in row-major order.
 Rig GentleRig() {
   const Lens tofLens{
       .k1 = 1.85, .k2 = 0.92, .k3 = 0.11, .k4 = 1.93, .k5 = 1.04, .k6 = 0.19, .p1 = 0.0011, .p2 = -0.0007};

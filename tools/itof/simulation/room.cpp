@@ -1,4 +1,4 @@
-// What stands in the room, and how it moves.
+// Furnishes the room of the simulated scene and moves its objects.
 #include <cmath>
 
 #include "simulation/scene.h"
@@ -6,15 +6,15 @@
 namespace itoftool::simulation {
 namespace {
 
-/// A swing between -1 and 1 with the given period in frames, near a sine; from parabolas, since a math library's sine
-/// is not the same bits everywhere.
+/// Swings between -1 and 1 with the given period in frames, close to a sine. It is made of parabolas, because std::sin
+/// has different last bits on different machines.
 double Swing(int frame, double period, double phase) {
   const double turns = frame / period + phase;
   const double x = 2 * (turns - std::floor(turns)) - 1;
   return 4 * x * (1 - std::abs(x));
 }
 
-/// A turn about the upright axis, by twice the arc tangent of `halfTangent`.
+/// A rotation about the vertical axis by twice the arc tangent of `halfTangent`.
 Mat3 Upright(double halfTangent) { return Rotation(0, halfTangent, 0); }
 
 constexpr Vec3 kWhite{0.80, 0.79, 0.76};
@@ -25,7 +25,7 @@ constexpr Material Plain(Vec3 colour, double infrared) { return {colour, colour,
 
 Scene RoomScene(int frame) {
   Scene scene{};
-  // Toward the corner of the back wall and the right one, and downward, so that every wall is seen at a slant.
+  // The camera looks at the corner of the back wall and the right wall, and down, so it sees every wall at a slant.
   // Half-angle tangents: 18 degrees to the right, 12 down, 1.5 of roll.
   const Mat3 yaw = Rotation(0, 0.158, 0);
   const Mat3 pitchAndRoll = Rotation(-0.105, 0, 0.013);
@@ -45,13 +45,13 @@ Scene RoomScene(int frame) {
   const Material cabinet{{0.13, 0.42, 0.42}, {0.06, 0.20, 0.20}, Pattern::kTiles, 400, 0.5, 0};
   const Material painting{{0.82, 0.66, 0.20}, {0.62, 0.16, 0.14}, Pattern::kChecks, 140, 0.5, 0};
   const Material parcel{{0.75, 0.20, 0.16}, {0.85, 0.78, 0.68}, Pattern::kStripes, 45, 0.5, 0};
-  // Rubber returns too little light at a distance: a hole.
+  // Black rubber returns too little light at a distance and leaves a hole.
   const Material rubber = Plain({0.05, 0.05, 0.06}, 0.02);
   const Material beachBall{{0.86, 0.86, 0.82}, {0.12, 0.30, 0.68}, Pattern::kStripes, 110, 0.7, 0};
   const Material glazed{{0.80, 0.52, 0.10}, {0.80, 0.52, 0.10}, Pattern::kPlain, 100, 0.6, 6};
   const Material felt{{0.24, 0.50, 0.22}, {0.78, 0.80, 0.62}, Pattern::kStripes, 36, 0.6, 0};
 
-  // Table: top and legs.
+  // The table: its top, then its legs.
   const Mat3 tableTurn = Upright(-0.16);
   const Vec3 table{240, 470, 1480};
   scene.boxes.push_back({table, {430, 22, 260}, tableTurn, wood});

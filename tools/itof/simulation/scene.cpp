@@ -1,4 +1,4 @@
-// Ray intersection and shading.
+// Intersects rays with the scene, and shades surfaces.
 #include "simulation/scene.h"
 
 #include <algorithm>
@@ -9,8 +9,8 @@
 namespace itoftool::simulation {
 namespace {
 
-/// The stretch of a ray inside a box about the origin, in lengths of its direction, and the axes of the faces through
-/// which it comes and goes. Empty if it leaves before it enters.
+/// The part of a ray inside a box around the origin, in units of the direction's length, and the axes of the faces
+/// where it enters and leaves. The ray misses the box if it leaves before it enters.
 struct Crossing {
   double enter = -std::numeric_limits<double>::infinity();
   double leave = std::numeric_limits<double>::infinity();
@@ -36,21 +36,21 @@ Crossing Cross(const Vec3& origin, const Vec3& direction, const Vec3& halfSize) 
   return crossing;
 }
 
-/// The unit vector along an axis against which `direction` runs.
+/// The unit vector along an axis that points against `direction`.
 Vec3 Facing(int axis, const Vec3& direction) {
   const double length = direction[axis] > 0 ? -1 : 1;
   return {axis == 0 ? length : 0, axis == 1 ? length : 0, axis == 2 ? length : 0};
 }
 
-/// The position on the face of a box, from one in the box.
+/// The texture position of a point on a box's face perpendicular to `axis`.
 Point2 FacePosition(int axis, const Vec3& position) {
   if (axis == 0) return {position.z, position.y};
   if (axis == 1) return {position.x, position.z};
   return {position.x, position.y};
 }
 
-/// With a ray from `from` to a sphere about the origin: a quarter of the discriminant of the equation for its
-/// crossings, above 0 if the ray's line goes through.
+/// For a ray from `from` and a sphere around the origin: a quarter of the discriminant of the equation for the
+/// intersections, above 0 if the ray's line goes through the sphere.
 double Discriminant(const Vec3& from, const Vec3& direction, double squaredRadius) {
   const double b = Dot(from, direction);
   return b * b - Dot(direction, direction) * (Dot(from, from) - squaredRadius);
@@ -58,7 +58,7 @@ double Discriminant(const Vec3& from, const Vec3& direction, double squaredRadiu
 
 std::optional<Hit> Meet(const Box& box, const Vec3& origin, const Vec3& direction) {
   const Vec3 offset = origin - box.centre;
-  // Most rays pass by the sphere around the box, too, which is quicker to see.
+  // Most rays miss the sphere around the box, too, and that is faster to test.
   if (Discriminant(offset, direction, Dot(box.halfSize, box.halfSize)) <= 0) return std::nullopt;
   const Mat3 back = Transposed(box.toWorld);
   const Vec3 from = back * offset;
@@ -78,7 +78,7 @@ std::optional<Hit> Meet(const Sphere& sphere, const Vec3& origin, const Vec3& di
   const double distance = (-Dot(from, direction) - std::sqrt(discriminant)) / Dot(direction, direction);
   if (distance <= 0) return std::nullopt;
   const Vec3 local = from + direction * distance;
-  // Bands about a leaning axis, so that their curvature shows.
+  // The texture runs around a tilted axis, so the curvature of its bands shows.
   return Hit{
       .distance = distance,
       .normal = local * (1 / sphere.radius),
@@ -145,14 +145,14 @@ Hit Trace(const Scene& scene, const Vec3& origin, const Vec3& direction) {
 }
 
 Vec3 Shade(const Scene& scene, const Vec3& position, const Hit& hit) {
-  const Vec3 lifted = position + hit.normal * 0.01;  // off its own surface
+  const Vec3 lifted = position + hit.normal * 0.01;  // so that the surface does not shadow itself
   const Vec3 toLamp = scene.lamp - lifted;
   const double distance = Length(toLamp);
   const double lambert = std::max(0.0, Dot(toLamp, hit.normal)) / distance;
-  const double ambient = 0.24 - 0.06 * hit.normal.y;  // y is down: a little more from above
+  const double ambient = 0.24 - 0.06 * hit.normal.y;  // y points down, so upward faces get a little more
   double light = ambient;
   if (lambert > 0 && !InShadow(scene, lifted)) {
-    constexpr double kHalfLight = 3000;  // millimetres from the lamp
+    constexpr double kHalfLight = 3000;  // distance from the lamp, millimetres
     light += 1.1 * lambert / (1 + distance * distance / (kHalfLight * kHalfLight));
   }
   return SurfaceColour(*hit.material, hit.texture) * light;

@@ -1,4 +1,4 @@
-// A room seen from inside, with boxes and spheres in it, and what a ray meets there.
+// Describes a room with boxes and spheres in it, and traces rays through it.
 #ifndef ITOF_TOOL_SIMULATION_SCENE_H_
 #define ITOF_TOOL_SIMULATION_SCENE_H_
 
@@ -10,13 +10,13 @@ namespace itoftool::simulation {
 
 enum class Pattern { kPlain, kStripes, kChecks, kTiles };
 
-/// What a surface looks like. Colours are (red, green, blue), linear, 0..1.
+/// The look of a surface. Colours are (red, green, blue), linear, 0..1.
 struct Material {
   Vec3 colour;
   Vec3 secondColour;
   Pattern pattern;
   double size;      // of a stripe, check or tile, millimetres
-  double infrared;  // share of the ToF camera's light that comes back, 0..1
+  double infrared;  // share of the ToF camera's light that it returns, 0..1
   double gloss;     // strength of the mirrored highlight
 };
 
@@ -45,22 +45,22 @@ struct Scene {
   Vec3 lamp;
 };
 
-/// What a ray meets first.
+/// The first point that a ray meets.
 struct Hit {
-  double distance;  // in lengths of the ray's direction
+  double distance;  // in units of the direction's length
   Vec3 normal;      // of length 1, toward the ray's origin
   Point2 texture;   // position on the surface, millimetres
   const Material* material;
 };
 
-/// Traces a ray from inside the room; it always ends at a wall. The hit points into `scene`.
+/// Traces a ray from inside the room, which always hits something. The result points into `scene`.
 Hit Trace(const Scene& scene, const Vec3& origin, const Vec3& direction);
 
-/// The colour that is seen at a hit, linear: shaded by the lamp, with shadows.
+/// Returns the linear colour at a hit, in the lamp's light and with shadows.
 Vec3 Shade(const Scene& scene, const Vec3& position, const Hit& hit);
 
-/// The scene at a frame, from 0. All that either camera of a rig sees is 400 to 3900 mm away from the ToF camera, along
-/// its axis.
+/// The scene at a frame, from 0. Everything that either camera of a rig sees has a depth of 400 to 3900 mm along the
+/// ToF camera's axis.
 Scene RoomScene(int frame);
 
 }  // namespace itoftool::simulation

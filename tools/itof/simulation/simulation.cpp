@@ -1,5 +1,5 @@
-// Renders the views of the aux camera: its picture, and the truth. Every ray starts at a pixel of the view and is
-// followed back to the scene, so that nothing is projected as an alignment does it.
+// Renders the views of the aux camera: its picture and the true depth. Rays go from the view into the scene, whereas an
+// alignment projects points into the view.
 #include "simulation/simulation.h"
 
 #include <algorithm>
@@ -8,13 +8,13 @@
 namespace itoftool::simulation {
 namespace {
 
-/// What the aux camera sees, with the point in world coordinates.
+/// What the aux camera sees at a position of its picture; `position` is in world coordinates.
 struct AuxSight {
   Hit hit;
   Vec3 position;
 };
 
-/// Follows aux rays through the scene, one view of it.
+/// Traces rays from the aux camera through one scene.
 class AuxTracer {
  public:
   AuxTracer(const Rig& rig, const Scene& scene)
@@ -36,7 +36,7 @@ class AuxTracer {
   Vec3 origin_;
 };
 
-/// A linear intensity as a byte. The square root is near enough to what displays expect.
+/// Converts a linear intensity to a byte. The square root is close to the gamma of displays.
 uint8_t PictureByte(double intensity) {
   return static_cast<uint8_t>(std::lround(255 * std::sqrt(std::clamp(intensity, 0.0, 1.0))));
 }

@@ -1,8 +1,7 @@
-// Reads with cv::FileStorage what the files hold together, and writes what it reads again as the same.
+// Collects the quantities of a pair from cv::FileStorage, and writes them.
 #include "stereo/file.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
@@ -22,22 +21,22 @@ namespace itoftool {
 namespace fs = std::filesystem;
 namespace {
 
-/// Opens a file that has keys, and no key twice, of which OpenCV would show one. Throws DataError and what OpenCV
-/// throws.
+/// Opens a file. Throws DataError if it has no keys or one key twice, of which OpenCV would show only one; OpenCV's
+/// exceptions pass through.
 void Open(cv::FileStorage& storage, const fs::path& path) {
   const std::vector<uint8_t> bytes = ReadFile(path);
   storage.open({bytes.begin(), bytes.end()}, cv::FileStorage::READ | cv::FileStorage::MEMORY);
   std::vector<std::string> keys;
   for (int i = 0; i == 0 || !storage.root(i).empty(); ++i) {
     const cv::FileNode root = storage.root(i);
-    if (!root.isMap()) Fail(path, "holds no keys");
+    if (!root.isMap()) Fail(path, "contains no keys");
     std::ranges::copy(root.keys(), std::back_inserter(keys));
   }
   std::ranges::sort(keys);
-  if (const auto twice = std::ranges::adjacent_find(keys); twice != keys.end()) Fail(path, *twice + ": is there twice");
+  if (const auto twice = std::ranges::adjacent_find(keys); twice != keys.end()) Fail(path, *twice + ": appears twice");
 }
 
-/// What the parser says, if its text has the form "...(7): Missing , between the elements'".
+/// Returns line and cause from the parser's message, if that has the form "...(7): Missing , between the elements'".
 std::string ParserFault(const std::exception& error) {
   const std::string text = error.what();
   const size_t close = text.rfind("): ");
@@ -49,7 +48,7 @@ std::string ParserFault(const std::exception& error) {
   return "; line " + line + ": " + cause;
 }
 
-/// Whether a key stands for both cameras, each of which may have one of its own, or an option, instead.
+/// Returns whether a key holds the size of both cameras. The key of one camera, or an option, takes precedence.
 bool IsCommon(const std::string& pattern, const Spellings& spellings) {
   return spellings.kind == QuantityKind::kSize && pattern.find_first_of("#@") == std::string::npos;
 }
@@ -70,7 +69,7 @@ void TakeFile(const fs::path& path, StereoPair& pair) {
         if (quantity.values.empty()) {
           quantity = found;
         } else if (quantity.values != found.values) {
-          Fail(found, "differs from " + quantity.key + (quantity.file.empty() ? "" : " of " + quantity.file));
+          Fail(found, "differs from " + quantity.key + (quantity.file.empty() ? "" : " in " + quantity.file));
         }
       }
     });
@@ -78,12 +77,12 @@ void TakeFile(const fs::path& path, StereoPair& pair) {
     throw;
   } catch (const std::bad_alloc&) {
     throw;
-  } catch (const std::exception& error) {  // OpenCV's own, or one of the C++ library that its parser lets through
-    Fail(path, "is damaged, or no YAML, XML or JSON as OpenCV reads it" + ParserFault(error));
+  } catch (const std::exception& error) {  // from OpenCV, or from the C++ library through its parser
+    Fail(path, "is damaged, or not YAML, XML or JSON that OpenCV can read" + ParserFault(error));
   }
 }
 
-/// -0 as a number that the formats have.
+/// Replaces -0, which the formats do not have, by the tiny negative number that becomes -0 in single precision.
 double WithoutNegativeZero(double value) { return value == 0 && std::signbit(value) ? -DBL_MIN : value; }
 
 }  // namespace
@@ -101,8 +100,8 @@ StereoPair ReadStereoFiles(const std::vector<fs::path>& paths, const Quantity& t
     if (!quantity.values.empty() || spellings.kind == QuantityKind::kRatio) return;
     std::vector<std::string> keys;
     for (const char* pattern : spellings.keys) keys.push_back(KeyOf(pattern, camera));
-    const char* owner = camera == 0 ? "" : camera == 1 ? " of camera 1 (ToF)" : " of camera 2 (aux)";
-    const char* option = camera == 1 ? "; or give --tof-size" : "; or give --aux-size";
+    const char* owner = camera == 0 ? "" : camera == 1 ? " for camera 1 (ToF)" : " for camera 2 (aux)";
+    const char* option = camera == 1 ? "; or use --tof-size" : "; or use --aux-size";
     Fail(Joined(files), std::string("no ") + spellings.name + owner + "; accepted keys: " + Joined(keys) +
                             (spellings.kind == QuantityKind::kSize ? option : ""));
   });
@@ -110,9 +109,7 @@ StereoPair ReadStereoFiles(const std::vector<fs::path>& paths, const Quantity& t
 }
 
 int StereoFileFormat(const fs::path& path) {
-  std::string extension = path.extension().string();
-  std::ranges::transform(extension, extension.begin(),
-                         [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  const std::string extension = LowerCaseExtension(path);
   if (extension == ".yml" || extension == ".yaml") return cv::FileStorage::FORMAT_YAML;
   if (extension == ".xml") return cv::FileStorage::FORMAT_XML;
   if (extension == ".json") return cv::FileStorage::FORMAT_JSON;

@@ -1,4 +1,4 @@
-// The files of OpenCV's stereo calibration, read and written.
+// Reads and writes the files of OpenCV's stereo calibration.
 #ifndef ITOF_TOOL_STEREO_FILE_H_
 #define ITOF_TOOL_STEREO_FILE_H_
 
@@ -10,18 +10,20 @@
 
 namespace itoftool {
 
-/// The pair that YAML, XML or JSON files hold together. `tofSize` and `auxSize` may be without numbers; else they stand
-/// for what the files lack, and must not contradict them. Shorter distortions are filled up with 0, rotation vectors
-/// become matrices, and auxFlRatio may remain without numbers. Throws DataError, which names file, key and cause, or the
-/// accepted keys of what is missing.
+/// Reads a pair from one or several YAML, XML or JSON files. `tofSize` and `auxSize` are used if the files do not
+/// contain the sizes; they must not contradict the files and may be empty. Short distortions are padded with 0,
+/// rotation vectors become matrices, and auxFlRatio may stay empty. Throws DataError, which names file, key and cause,
+/// or the accepted keys of a missing quantity.
 StereoPair ReadStereoFiles(const std::vector<std::filesystem::path>& paths, const Quantity& tofSize,
                            const Quantity& auxSize);
 
-/// The format, as cv::FileStorage numbers them, that goes with the extension of a file. Throws UsageError.
+/// Returns the format of a file by its extension, as a cv::FileStorage constant. Throws UsageError for other
+/// extensions.
 int StereoFileFormat(const std::filesystem::path& path);
 
-/// A file from which ReadStereoFiles gets the same numbers, except that a negative number next to 0 stands for -0, which
-/// the formats do not have; in single precision it is -0 again. All but auxFlRatio must be there, with 8 coefficients.
+/// Returns the text of a file from which ReadStereoFiles reads the same numbers. The formats have no -0, so the file
+/// has a tiny negative number instead, which is -0 again in single precision. Every quantity except auxFlRatio must
+/// have values, and each lens 8 coefficients.
 std::string StereoFileText(StereoPair pair, int format);
 
 }  // namespace itoftool

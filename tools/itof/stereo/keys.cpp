@@ -1,4 +1,4 @@
-// The spellings of OpenCV's own samples and of programs around them, in one table.
+// Lists the keys that OpenCV's samples and common programs use, and formats them for messages.
 #include "stereo/keys.h"
 
 #include <cstddef>
@@ -13,7 +13,7 @@ const Spellings kSpellings[6] = {
      {"imageSize#", "image_size#", "image_size_#", "cameraResolution#", "imageWidth#+imageHeight#",
       "image_width#+image_height#", "image_width_#+image_height_#", "image_Width#+image_Height#",
       "image_Width_#+image_Height_#", "@.width+@.height",
-      // Of both cameras.
+      // For both cameras.
       "imageSize", "image_size", "cameraResolution", "imageWidth+imageHeight", "image_width+image_height",
       "image_Width+image_Height"}},
     {QuantityKind::kMatrix,
@@ -53,18 +53,21 @@ std::vector<std::string> SplitKeys(const std::string& keys) {
 
 std::string StereoKeysHelp() {
   std::string text = Wrap(
-      "Accepted keys (# is 1 for the ToF camera and 2 for the aux camera, or nothing for sizes of both; @ is depth or "
-      "color; keys joined by + hold a number each):",
+      "Accepted keys (# is 1 for the ToF camera, 2 for the aux camera, or omitted for a size of both; @ is depth or "
+      "color; keys joined by + hold one number each):",
       0);
   for (const Spellings& spellings : kSpellings) {
     text += std::string("  ") + spellings.name + "\n" + Wrap(Joined({spellings.keys.begin(), spellings.keys.end()}), 4);
   }
   return text +
          Wrap(
-             "Matrices are OpenCV's, or lists of rows or of all numbers; a rotation may also be a vector of 3, in "
-             "radians. Distortion has 4, 5 or 8 coefficients in OpenCV's order, k1 k2 p1 p2 k3 k4 k5 k6 (not those of "
-             "fisheye), or 12 or 14 if the rest is 0. A point X of the ToF camera lies at rotation * X + translation "
-             "in the aux camera. translation_mm is in mm.",
+             "A matrix is in OpenCV's form, a list of rows, or a list of all numbers; a rotation may also be a "
+             "rotation "
+             "vector of 3 numbers in radians. A distortion has 4, 5 or 8 coefficients in OpenCV's order, k1 k2 p1 p2 "
+             "k3 "
+             "k4 k5 k6 (not the fisheye model), or 12 or 14 if those after the eighth are 0. A point X in the ToF "
+             "camera's frame has the coordinates rotation * X + translation in the aux camera's frame. translation_mm "
+             "is in mm.",
              0);
 }
 

@@ -1,4 +1,4 @@
-// Under which keys the files of OpenCV's stereo calibration hold a camera pair.
+// Lists the keys under which OpenCV's stereo calibration files store a camera pair.
 #ifndef ITOF_TOOL_STEREO_KEYS_H_
 #define ITOF_TOOL_STEREO_KEYS_H_
 
@@ -9,32 +9,32 @@
 
 namespace itoftool {
 
-/// The key of a translation that is in millimetres in every file.
+/// The key of a translation that is always in millimetres.
 inline constexpr char kMillimetreKey[] = "translation_mm";
 
 enum class QuantityKind { kSize, kMatrix, kDistortion, kRotation, kTranslation, kRatio };
 
-/// The accepted keys of a quantity. In those of cameras, # is the camera's number, and @ the name of its object in the
-/// layout in words. Keys joined by + hold one number each.
+/// The accepted keys of a quantity. In the keys of cameras, # stands for the camera's number, and @ for the name of its
+/// object in files with named values. Keys joined by + hold one number each.
 struct Spellings {
   QuantityKind kind;
   const char* name;
   std::vector<const char*> keys;
 };
 
-/// Size, matrix, distortion, rotation, translation and ratio. The first key of each is the one to write.
+/// Size, matrix, distortion, rotation, translation and ratio. Exports use the first key of each.
 extern const Spellings kSpellings[6];
 
-/// A key of the table as it is in files, for camera 1 or 2.
+/// Returns a key of the table as it appears in files, for camera 1 or 2.
 std::string KeyOf(const std::string& pattern, int camera);
 
-/// The keys that are joined by + in `keys`.
+/// Splits keys that are joined by +.
 std::vector<std::string> SplitKeys(const std::string& keys);
 
-/// All keys that are accepted, for a help text.
+/// Returns a help text with all accepted keys.
 std::string StereoKeysHelp();
 
-/// Calls `use` with every quantity of the pair, its spellings and the number of its camera (0: of none).
+/// Calls `use` with every quantity of the pair, its spellings and the number of its camera (0 if it belongs to both).
 template <typename Use>
 void ForEachQuantity(StereoPair& pair, const Use& use) {
   const auto& [size, matrix, distortion, rotation, translation, ratio] = kSpellings;

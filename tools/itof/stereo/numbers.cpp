@@ -1,5 +1,5 @@
-// Looks at the type of every node itself: OpenCV's own readers convert silently what does not fit, and allocate what a
-// matrix claims to have before they look whether the file holds as much.
+// Reads numbers node by node and checks every type. OpenCV's readers convert unsuitable values without an error, and
+// allocate a matrix of the declared size before they check that the file holds its entries.
 #include "stereo/numbers.h"
 
 #include <algorithm>
@@ -16,9 +16,9 @@
 namespace itoftool {
 namespace {
 
-/// Numbers with the shape that a file gives them.
+/// Numbers with their shape in the file.
 struct Numbers {
-  int rows = 0, cols = 0;  // 0: a list without shape
+  int rows = 0, cols = 0;  // 0 for a plain list
   std::vector<double> values;
 
   bool IsVector(size_t count) const { return values.size() == count && (rows <= 1 || cols == 1); }
@@ -30,13 +30,13 @@ struct Numbers {
 };
 
 double ReadNumber(const Quantity& place, const cv::FileNode& node) {
-  if (!node.isInt() && !node.isReal()) Fail(place, "holds what is no number");
+  if (!node.isInt() && !node.isReal()) Fail(place, "contains an entry that is not a number");
   const double value = node.isInt() ? static_cast<int>(node) : static_cast<double>(node);
-  if (!std::isfinite(value)) Fail(place, "holds a number that is not finite");
+  if (!std::isfinite(value)) Fail(place, "contains a number that is not finite");
   return value;
 }
 
-/// A list of numbers, or a list of rows of one length.
+/// Reads a list of numbers, or a list of rows of equal length.
 Numbers ReadList(const Quantity& place, const cv::FileNode& list) {
   if (!list.isSeq()) Fail(place, "is neither a matrix nor a list of numbers");
   Numbers numbers;
@@ -59,63 +59,67 @@ Numbers ReadList(const Quantity& place, const cv::FileNode& list) {
 Numbers ReadNumbers(const Quantity& place, const cv::FileNode& node) {
   if (!node.isMap()) return ReadList(place, node);
   const cv::FileNode rows = node["rows"], cols = node["cols"], type = node["dt"];
-  if (!rows.isInt() || !cols.isInt() || !type.isString()) Fail(place, "is no matrix as OpenCV writes it");
+  if (!rows.isInt() || !cols.isInt() || !type.isString()) Fail(place, "is not a matrix in OpenCV's form");
   if (const std::string letter = type.string(); letter != "d" && letter != "f" && letter != "i") {
-    Fail(place, "is a matrix of type \"" + letter + "\"; needed: d, f or i, of one channel");
+    Fail(place, "is a matrix of type \"" + letter + "\"; expected d, f or i with one channel");
   }
   Numbers numbers = ReadList(place, node["data"]);
   numbers.rows = static_cast<int>(rows);
   numbers.cols = static_cast<int>(cols);
   if (numbers.rows < 0 || int64_t{numbers.rows} * numbers.cols != static_cast<int64_t>(numbers.values.size())) {
-    Fail(place, "claims " + numbers.Shape() + " and holds " + std::to_string(numbers.values.size()));
+    Fail(place, "declares " + numbers.Shape() + " and holds " + std::to_string(numbers.values.size()));
   }
   return numbers;
 }
 
-/// The numbers in the form that StereoPair has them in.
-std::vector<double> Checked(const Quantity& place, QuantityKind kind, Numbers numbers) {
-  std::vector<double>& values = numbers.values;
-  const char* needed = nullptr;
+/// Returns the shape that a quantity must have, or null if `numbers` have it.
+const char* ExpectedShape(QuantityKind kind, const Numbers& numbers) {
+  const auto isVectorOf = [&](size_t count) { return numbers.IsVector(count); };
   switch (kind) {
     case QuantityKind::kSize:
-      if (!numbers.IsVector(2)) needed = "width and height";
-      break;
+      return isVectorOf(2) ? nullptr : "width and height";
     case QuantityKind::kMatrix:
-      if (!numbers.IsSquare()) needed = "3 x 3";
-      break;
+      return numbers.IsSquare() ? nullptr : "3 x 3";
     case QuantityKind::kDistortion:
-      if (std::ranges::none_of(std::initializer_list<size_t>{4, 5, 8, 12, 14},
-                               [&](size_t count) { return numbers.IsVector(count); })) {
-        needed = "a row or a column of 4, 5 or 8";
-      }
-      break;
+      return std::ranges::any_of(std::initializer_list<size_t>{4, 5, 8, 12, 14}, isVectorOf)
+                 ? nullptr
+                 : "a row or a column of 4, 5 or 8";
     case QuantityKind::kRotation:
-      if (!numbers.IsSquare() && !numbers.IsVector(3)) needed = "3 x 3, or a rotation vector of 3";
-      break;
+      return numbers.IsSquare() || isVectorOf(3) ? nullptr : "3 x 3, or a rotation vector of 3";
     case QuantityKind::kTranslation:
-      if (!numbers.IsVector(3)) needed = "a row or a column of 3";
-      break;
+      return isVectorOf(3) ? nullptr : "a row or a column of 3";
     case QuantityKind::kRatio:
       break;
   }
-  if (needed != nullptr) Fail(place, "has " + numbers.Shape() + "; needed: " + needed);
+  return nullptr;
+}
 
-  const auto isPixels = [](double value) { return value >= 1 && value < 2147483648.0; };
-  if (kind == QuantityKind::kSize && !std::ranges::all_of(values, isPixels)) Fail(place, "is no size of an image");
-  if (kind == QuantityKind::kDistortion) values.resize(std::max(values.size(), kFileCoefficients));
-  if (kind == QuantityKind::kRotation && values.size() == 3) {
+/// Returns the matrix of a rotation vector or of a rotation matrix.
+std::vector<double> RotationMatrix(const Quantity& place, const std::vector<double>& values) {
+  if (values.size() == 3) {
     cv::Mat matrix;
     cv::Rodrigues(values, matrix);
     return {matrix.begin<double>(), matrix.end<double>()};
   }
-  if (kind == QuantityKind::kRotation) {
-    const cv::Matx33d matrix(values.data());
-    const double error = OrthonormalityError(matrix);
-    if (error > kOrthonormal)
-      Fail(place, Format("is no rotation: R times its transpose is %.3g off the identity", error));
-    if (cv::determinant(matrix) < 0) Fail(place, "is a mirror, no rotation: its determinant is -1");
+  const cv::Matx33d matrix(values.data());
+  const double error = OrthonormalityError(matrix);
+  if (error > kOrthonormal) {
+    Fail(place, Format("is not a rotation: R times its transpose differs from the identity by %.3g", error));
   }
+  if (cv::determinant(matrix) < 0) Fail(place, "is a reflection, not a rotation: its determinant is -1");
   return values;
+}
+
+/// Checks numbers and converts them to the form of StereoPair.
+std::vector<double> Checked(const Quantity& place, QuantityKind kind, Numbers numbers) {
+  if (const char* expected = ExpectedShape(kind, numbers)) {
+    Fail(place, "has " + numbers.Shape() + "; expected " + expected);
+  }
+  std::vector<double>& values = numbers.values;
+  const auto isPixels = [](double value) { return value >= 1 && value < 2147483648.0; };
+  if (kind == QuantityKind::kSize && !std::ranges::all_of(values, isPixels)) Fail(place, "is not a valid image size");
+  if (kind == QuantityKind::kDistortion) values.resize(std::max(values.size(), kFileCoefficients));
+  return kind == QuantityKind::kRotation ? RotationMatrix(place, values) : values;
 }
 
 cv::FileNode Find(const cv::FileStorage& storage, const std::string& key) {

@@ -1,4 +1,4 @@
-// The numbers that a file has under a key, in the one form that a camera pair has them in.
+// Reads the numbers of a quantity from a file and checks their form.
 #ifndef ITOF_TOOL_STEREO_NUMBERS_H_
 #define ITOF_TOOL_STEREO_NUMBERS_H_
 
@@ -9,8 +9,8 @@
 
 namespace itoftool {
 
-/// The numbers under the key of `place`, in the form of StereoPair; none if the file does not have it. Throws DataError,
-/// which names file and key, if what is there is none of the accepted forms.
+/// Reads the numbers under the key of `place` and converts them to the form of StereoPair. Returns none if the file
+/// does not have the key. Throws DataError, which names file and key, if they do not have an accepted form.
 std::vector<double> ReadKey(const cv::FileStorage& storage, const Quantity& place, QuantityKind kind);
 
 }  // namespace itoftool

@@ -1,5 +1,5 @@
-// The record has the fields of a stereo calibration, but in single precision, for a ToF image 640 pixels wide, and with
-// eight coefficients a lens.
+// Converts between a stereo calibration and the calibration record, which has single precision, a ToF image 640 pixels
+// wide, and eight coefficients per lens. Refuses calibrations that do not fit.
 #include "stereo/record.h"
 
 #include <algorithm>
@@ -14,13 +14,14 @@
 #include "camera/imagepart.h"
 #include "camera/lens.h"
 #include "framesize.h"
+#include "stereo/keys.h"
 #include "support/errors.h"
 #include "support/text.h"
 
 namespace itoftool {
 namespace {
 
-/// The field that holds the numbers of a quantity from number `first` on.
+/// The field of the record for the numbers of a quantity from number `first` on.
 struct Slot {
   Quantity& quantity;
   size_t first;
@@ -41,13 +42,14 @@ std::string Text(const Window& window) {
   return Format("%d,%d,%d,%d", window.x, window.y, window.width, window.height);
 }
 
-/// The window of 16:9 inside an image of `width` x `height` whose edges are nearest to those of `wanted`, by the sum of
-/// the squares. Of no size if the image is too small for any.
+/// Returns the 16:9 window inside an image of `width` x `height` whose edges are nearest to those of `wanted`, by the
+/// sum of squares. Its size is 0 if the image is too small for any window.
 Window NearestWindow(const Window& wanted, int width, int height) {
   struct Place {
     double start, miss;
   };
-  // Along one axis, where `length` pixels are nearest to `wantedLength` from `start` on, and by what they miss them.
+  // Along one axis, places `length` pixels as near as possible to the `wantedLength` pixels from `start` on. `miss` is
+  // the sum of the squared distances of the ends.
   const auto place = [](double start, double wantedLength, double length, double imageLength) -> Place {
     const double placed = std::clamp(std::floor(start + (wantedLength - length) / 2), 0.0, imageLength - length);
     return {placed, std::pow(placed - start, 2) + std::pow(placed + length - start - wantedLength, 2)};
@@ -65,8 +67,8 @@ Window NearestWindow(const Window& wanted, int width, int height) {
   return nearest;
 }
 
-/// The largest distance in pixels, over the camera's image, between where all of its coefficients and where the first
-/// eight put a ray; nothing if the latter have no inverse anywhere in the image.
+/// Returns how far positions in the camera's image move at most, in pixels, if the coefficients after the eighth are
+/// left out; nothing if the lens of the first eight has no inverse anywhere in the image.
 std::optional<double> TailPixels(const StereoCamera& camera) {
   constexpr int kSteps = 32;
   const std::vector<double>& k = camera.distortion.values;
@@ -92,38 +94,40 @@ std::optional<double> TailPixels(const StereoCamera& camera) {
   return largest;
 }
 
-/// Drops the coefficients that the record has no field for.
+/// Drops the coefficients that the record has no field for. Throws DataError if one of them is not 0.
 void CutTail(StereoCamera& camera) {
   std::vector<double>& values = camera.distortion.values;
   if (std::any_of(values.begin() + kFileCoefficients, values.end(), [](double value) { return value != 0; })) {
     const std::optional<double> most = TailPixels(camera);
-    Fail(camera.distortion, "has " + std::to_string(values.size()) +
-                                " coefficients, and those after the eighth are not 0; without them pixels would be " +
-                                (most ? "up to " + Format("%.3g", *most) + " pixels off" : "off by an unknown amount") +
-                                ". Calibrate with at most 8");
+    Fail(camera.distortion,
+         "has " + std::to_string(values.size()) +
+             " coefficients, and those after the eighth are not all 0; without them pixels would be " +
+             (most ? "up to " + Format("%.3g", *most) + " pixels off" : "off by an unknown distance") +
+             ". Calibrate with at most 8 coefficients");
   }
   values.resize(kFileCoefficients);
 }
 
-/// Makes the part `window` of the camera's image its whole image, at 640 x 360.
+/// Makes the part `window` of the ToF camera's image its whole image, at 640 x 360.
 void ApplyTofWindow(StereoCamera& tof, const std::optional<Window>& window) {
   const int width = static_cast<int>(tof.size.values[0]);
   const int height = static_cast<int>(tof.size.values[1]);
   const std::string image = std::to_string(width) + " x " + std::to_string(height) + " pixels";
   const auto fitting = [&](const Window& wanted) {
     const Window nearest = NearestWindow(wanted, width, height);
-    return nearest.width == 0 ? "there is none in " + image : Text(nearest);
+    return nearest.width == 0 ? "none in " + image : Text(nearest);
   };
   if (!window) {
     if (width == itof::kFrameWidth) return;
-    Fail(tof.size, "the ToF image has " + image +
-                       ", and must be 640 wide; choose what becomes 640 x 360 with --tof-window, the largest: " +
-                       fitting({0, 0, width, height}));
+    Fail(tof.size,
+         "the ToF image has " + image +
+             " but must be 640 wide; select the part that becomes 640 x 360 with --tof-window. Largest possible: " +
+             fitting({0, 0, width, height}));
   }
   const auto [x, y, w, h] = *window;
   const bool isInside = w > 0 && h > 0 && x >= 0 && y >= 0 && w <= width - x && h <= height - y;
   if (!isInside || int64_t{w} * 9 != int64_t{h} * 16) {
-    throw UsageError("--tof-window: " + Text(*window) + (isInside ? " is not of 16:9" : " is not inside " + image) +
+    throw UsageError("--tof-window: " + Text(*window) + (isInside ? " is not 16:9" : " is not inside " + image) +
                      "; the nearest window that fits: " + fitting(*window));
   }
   const ImagePart part{static_cast<double>(x), static_cast<double>(y), static_cast<double>(w), static_cast<double>(h)};
@@ -132,6 +136,13 @@ void ApplyTofWindow(StereoCamera& tof, const std::optional<Window>& window) {
 }
 
 }  // namespace
+
+void ConvertToMillimetres(StereoPair& pair) {
+  if (pair.translation.key == kMillimetreKey) {
+    throw UsageError("--unit: " + pair.translation.file + " has " + kMillimetreKey + ", which is in mm");
+  }
+  for (double& entry : pair.translation.values) entry *= 1000;
+}
 
 itof::CalibrationRecord RecordOf(StereoPair pair, const std::optional<Window>& window) {
   CutTail(pair.tof);
@@ -144,7 +155,7 @@ itof::CalibrationRecord RecordOf(StereoPair pair, const std::optional<Window>& w
     for (size_t i = 0; i < field.count; ++i) {
       const double value = quantity.values[first + i];
       if (std::abs(value) > static_cast<double>(FLT_MAX)) {
-        Fail(quantity, Format("%.9g", value) + " does not fit single precision");
+        Fail(quantity, Format("%.9g", value) + " does not fit in single precision");
       }
       SetEntry(record, field, i, static_cast<float>(value));
     }

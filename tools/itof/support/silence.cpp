@@ -1,5 +1,5 @@
-// The aligner prints a line per frame and the picture decoders print their own complaints. Neither can be told not to,
-// so the descriptor below them points elsewhere for the time of the call.
+// Redirects a stream's descriptor to /dev/null. The library prints a line per frame and the picture decoders print
+// their own messages; neither has a switch for that.
 #include "support/silence.h"
 
 #include <fcntl.h>
@@ -8,7 +8,7 @@
 namespace itoftool {
 
 Silence::Silence(FILE* stream) : stream_(stream), saved_(-1) {
-  // What is buffered belongs to the time before.
+  // Text that is still in the buffer must appear.
   std::fflush(stream_);
   const int null = open("/dev/null", O_WRONLY | O_CLOEXEC);
   if (null < 0) return;

@@ -1,4 +1,4 @@
-// Keeps libraries that print by themselves off the tool's streams.
+// Silences libraries that print to the tool's standard streams.
 #ifndef ITOF_TOOL_SUPPORT_SILENCE_H_
 #define ITOF_TOOL_SUPPORT_SILENCE_H_
 
@@ -6,7 +6,8 @@
 
 namespace itoftool {
 
-/// While it lives, what anybody writes to `stream` or to its descriptor is lost. Not for use with several threads.
+/// Discards everything that is written to `stream` or its descriptor during its lifetime. Not for use with several
+/// threads.
 class Silence {
  public:
   explicit Silence(FILE* stream);
@@ -16,7 +17,7 @@ class Silence {
 
  private:
   FILE* stream_;
-  int saved_;  // the descriptor's duplicate; -1 if nothing was redirected
+  int saved_;  // duplicate of the descriptor; -1 if it could not be redirected
 };
 
 }  // namespace itoftool

@@ -1,4 +1,4 @@
-// Lines that fit a terminal, from numbers and words.
+// Formats numbers and wraps lines.
 #include "support/text.h"
 
 #include <cstdarg>

@@ -1,4 +1,4 @@
-// Text for people on a terminal.
+// Formats text for a terminal.
 #ifndef ITOF_TOOL_SUPPORT_TEXT_H_
 #define ITOF_TOOL_SUPPORT_TEXT_H_
 
@@ -7,13 +7,13 @@
 
 namespace itoftool {
 
-/// As printf. The formats are the callers' own.
+/// Formats as printf does.
 [[gnu::format(printf, 1, 2)]] std::string Format(const char* format, ...);
 
-/// `text` in lines of at most `width` characters, broken at blanks, each after `indent` blanks and with a line end.
+/// Breaks `text` at spaces into lines of at most `width` characters, each with `indent` leading spaces and a line end.
 std::string Wrap(const std::string& text, size_t indent, size_t width = 100);
 
-/// The parts with ", " between them.
+/// Joins the parts with ", ".
 std::string Joined(const std::vector<std::string>& parts);
 
 }  // namespace itoftool

@@ -1,6 +1,6 @@
-# In place of the Android NDK's file of this name, for a machine without the NDK: takes the same variables, has the
-# compiler, C++ library, flags and search rules of the NDK's r28, but the C library of Debian's 64-bit Arm. What it builds
-# shows that the preset fits together, and runs in an emulator; it does not run on a device.
+# Stands in for the Android NDK's file of this name on a machine without the NDK. It takes the same variables and uses the
+# compiler, C++ library, flags and search rules of NDK r28, but Debian's C library for 64-bit Arm. The result shows that
+# the preset works; it runs in an emulator, not on a device.
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ANDROID_ABI ANDROID_PLATFORM ANDROID_STL)
 if(NOT "${ANDROID_ABI} ${ANDROID_PLATFORM} ${ANDROID_STL}" STREQUAL "arm64-v8a android-34 c++_static")
   message(FATAL_ERROR "${ANDROID_ABI} ${ANDROID_PLATFORM} ${ANDROID_STL}")
@@ -23,6 +23,6 @@ set(CMAKE_CXX_STANDARD_LIBRARIES "${sysroot}/usr/lib/llvm-19/lib/libc++.a ${sysr
 set(linker "-fuse-ld=lld-19 -nostdlib++ -static-libgcc -Wl,--build-id=sha1 -Wl,--fatal-warnings")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "${linker} -Wl,--no-undefined")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "${linker} -Wl,--gc-sections")
-# Nothing of the host is found by its usual place.
+# Packages of the host must not be found in their usual places.
 set(CMAKE_FIND_ROOT_PATH ${sysroot})
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)

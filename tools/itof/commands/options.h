@@ -1,0 +1,34 @@
+// Adds and checks the options that several commands have.
+#ifndef ITOF_TOOL_COMMANDS_OPTIONS_H_
+#define ITOF_TOOL_COMMANDS_OPTIONS_H_
+
+#include <CLI/CLI.hpp>
+#include <cfloat>
+#include <string>
+
+#include "support/errors.h"
+#include "support/text.h"
+
+namespace itoftool {
+
+inline constexpr char kCalibrationFileHelp[] = "Calibration file of 228 bytes";
+
+inline void AddCalibrationOption(CLI::App& command, std::string& path) {
+  command.add_option("--calibration", path, kCalibrationFileHelp)->required()->type_name("FILE");
+}
+
+inline void AddRatioOption(CLI::App& command, double& ratio) {
+  command.add_option("--ratio", ratio, "Scale of the ideal aux image; 1 is without zoom")
+      ->type_name("R")
+      ->capture_default_str();
+}
+
+/// Throws UsageError unless `ratio` is above 0 and finite in single precision, which the library takes.
+inline void CheckRatio(double ratio) {
+  if (ratio <= static_cast<double>(FLT_MAX) && static_cast<float>(ratio) > 0) return;
+  throw UsageError(Format("--ratio: %g is not a finite single-precision number above 0", ratio));
+}
+
+}  // namespace itoftool
+
+#endif  // ITOF_TOOL_COMMANDS_OPTIONS_H_
