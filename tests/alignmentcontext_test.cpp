@@ -40,7 +40,7 @@ TEST(AlignmentContext, ScalesWholeMatricesAndKeepsPixelCentres) {
 
 TEST(MatrixMultiply, FusesStepsInsideTheInnerColumns) {
   const double nan = std::nan(""), e = 1 + 0x1p-30;
-  const double a[] = {-1, e, nan, 3, nan, 7}, b[] = {1, 2, e, 4};  // only two of the three columns of `a` take part
+  const double a[] = {-1, e, 7, 3, nan, 7}, b[] = {1, 2, e, 4};  // only two of the three columns of `a` take part
   std::vector<double> out(5, 9);
   MatrixMultiply(out.data(), a, b, 2, 3, 2, 2);
   EXPECT_EQ(out[0], 0x1p-29 + 0x1p-60);  // e * e - 1; rounding the product first loses 2^-60

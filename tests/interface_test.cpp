@@ -138,7 +138,7 @@ TEST_F(Interface, TheFirstFrameOfARunDecidesTheRatio) {
   EXPECT_EQ(Aligned(0x0010, 1), FrameOf(1));
 }
 
-TEST_F(Interface, TableEntriesRemainUntilInit) {
+TEST_F(Interface, TableEntriesOutliveTheirRun) {
   // At a ratio of 0.1 the entry of ideal cell (0, 0) is (4.5, 4.5). At 0 every pixel goes to that cell, and no entry is
   // written.
   ASSERT_EQ(itof_init(), ITOF_OK);

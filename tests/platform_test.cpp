@@ -55,7 +55,7 @@ TEST(Platform, EnvironmentOpensTheLogGates) {
       {"0x40000", "0", 262144, 0, ""},
       {"", "", 0, 0, ""},
       {"18446744073709551616", "1", 0, 1, "ORVO_ENABLE_LOGS: \"18446744073709551616\" *\n"},
-      {"2x", "-1", 0, 0, "ORVO_ENABLE_LOGS: \"2x\" *\nORVO_ENABLE_SYSTEM_LOG: \"-1\" *\n"},
+      {"-1", "2x", 0, 0, "ORVO_ENABLE_LOGS: \"-1\" *\nORVO_ENABLE_SYSTEM_LOG: \"2x\" *\n"},
       {"1", "2147483648", 1, 0, "ORVO_ENABLE_SYSTEM_LOG: \"2147483648\" *\n"},
   };
   for (const auto& c : cases) {

@@ -28,8 +28,8 @@ TEST(Preview, ColoursDepthByItsPlaceBetweenNearAndFar) {
 
   // Hatched grey: two of eight diagonals are 88, and the others 56. The nearest levels are 8 and 5.
   for (const int left : {kLeft, kSecondLeft}) {
-    EXPECT_EQ(sheet.at<cv::Vec3b>(kTop + 104, left + 1), cv::Vec3b(88, 88, 88));
-    EXPECT_EQ(sheet.at<cv::Vec3b>(kTop + 104, left + 2), cv::Vec3b(55, 55, 55));
+    EXPECT_EQ(sheet.at<cv::Vec3b>(kTop + 103, left + 1), cv::Vec3b(88, 88, 88));
+    EXPECT_EQ(sheet.at<cv::Vec3b>(kTop + 103, left + 3), cv::Vec3b(55, 55, 55));
   }
 }
 
