@@ -119,6 +119,8 @@ TEST_F(InspectionToolTest, FailuresPrintOneLine) {
   ExpectFailure(1, "calibration check missing.bin", "missing.bin*No such file");
   ExpectFailure(1, "calibration diff good.bin short.bin", "short.bin*227*228");
   ExpectFailure(2, "explain --calibration good.bin --at 640,1 --code 5", "--at: (640, 1) is not in the frame");
+  ExpectFailure(2, "explain --calibration good.bin --at 010,020 --code 5", "--at*010*decimal");
+  ExpectFailure(2, "explain --calibration good.bin --at 1,1 --code 0100", "--code*0100*decimal");
   ExpectFailure(2, "explain --calibration good.bin --at 1,1 --code 5 --ratio 0", "--ratio: 0 ");
   ExpectFailure(1, "explain --calibration short.bin --at 1,1 --code 5", "short.bin*227*228");
 }

@@ -1,13 +1,16 @@
 // Checks `itof align` and `itof simulate`: what they write and what they refuse.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdint>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <opencv2/core.hpp>
 #include <opencv2/imgcodecs.hpp>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/calibrationbytes.h"
@@ -127,6 +130,50 @@ TEST_F(ToolTest, SimulationsDependOnTheSeed) {
   }
 }
 
+TEST_F(ToolTest, EveryCommandReportsAFailedStandardOutput) {
+  for (const std::string command :
+       {"--help", "--version", "align --help", "selftest", "calibration show good.bin",
+        "calibration show --json good.bin", "calibration check good.bin", "calibration diff good.bin good.bin",
+        "explain --calibration good.bin --at 1,1 --code 5"}) {
+    const Result result = Run(command + " >/dev/full");
+    EXPECT_EQ(result.code, 1) << command;
+    EXPECT_TRUE(result.err.starts_with("itof: standard output: ") && result.err.find("written") == std::string::npos)
+        << result.err;
+  }
+  for (const std::string command : {"$align frame.raw", "simulate --frames 1 --output s",
+                                    "calibration export good.bin -o e.json", "calibration import e.json -o i.bin"}) {
+    EXPECT_EQ(Run(command).code, 0) << command;
+    ExpectFailure(1, command + " >/dev/full", "standard output: No space*; the files are written");
+  }
+  ExpectFailure(1, "--version >&-", "standard output");
+}
+
+TEST_F(ToolTest, AnInterruptEndsTheProcessByItsSignal) {
+  // Without --foreground, timeout signals its process group as well, and a second signal ends the tool at once.
+  const Result result = Run("simulate --frames 1000 --output new", "timeout --foreground --preserve-status 0.5");
+  EXPECT_EQ(result.code, 128 + SIGTERM) << result.err;
+  EXPECT_FALSE(fs::exists(folder_ / "new"));
+}
+
+TEST_F(ToolTest, TakesPicturesAsTheyAreStored) {
+  cv::Mat aux(kHeight, kWidth, CV_8UC3, cv::Scalar::all(0));
+  aux.rowRange(0, 100) = cv::Scalar(10, 200, 90);
+  // An orientation of 3, upside down.
+  const std::string tiff("MM\0*\0\0\0\10\0\1\1\22\0\3\0\0\0\1\0\3\0\0\0\0\0\0", 26);
+  const std::string exif = std::string("\xFF\xE1\0\42Exif\0\0", 10) + tiff;
+  const std::string chunk = std::string("\0\0\0\32eXIf", 8) + tiff + "\x84_d\xCE";
+  const std::pair<const char*, const std::string&> turns[] = {{"aux.jpg", exif}, {"aux.png", chunk}};
+  for (const auto& [name, turn] : turns) {
+    Write(name, aux);
+    ASSERT_EQ(Run(std::string("$align frame.raw --aux ") + name).code, 0);
+    const std::string preview = Read("out/frame.preview.png");
+    std::string bytes = Read(name);
+    Write(name, bytes.insert(name == std::string("aux.jpg") ? 2 : 33, turn));
+    ASSERT_EQ(Run(std::string("$align frame.raw --aux ") + name).code, 0);
+    EXPECT_TRUE(Read("out/frame.preview.png") == preview) << name;
+  }
+}
+
 // A test of its own, because the limit also keeps the tool from writing coverage counts.
 TEST_F(ToolTest, AFullDiskLeavesNothingBehind) {
   // At most 450 blocks of 512 bytes: half of the aligned words.
@@ -143,7 +190,16 @@ TEST_F(ToolTest, FailuresPrintOneLineAndChangeNoFile) {
   Write("aux.jpg", Read("aux.jpg").substr(0, kPixels / 4));
   Write("eight.png", cv::Mat(kHeight, kWidth, CV_8U, cv::Scalar(8)));
   Write("large.png", cv::Mat(480, 640, CV_16U, cv::Scalar(1)));
+  // Headers of pictures that nothing follows.
+  Write("huge.png", std::string("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\xE1\0\0\0\x7E\x90\20\0\0\0\0CRC!", 33));
+  Write("huge.jpg", std::string("\xFF\xD8\xFF\xC0\0\13\10\x7E\x90\xE1\0\1\1\21\0\xFF\xDA\0\2\xFF\xD9", 21));
   fs::create_directory(folder_ / "out/depth.preview.png");
+  fs::create_directory(folder_ / "mine");
+  Write("mine/calibration.bin", Read("good.bin"));
+  Write("linked", "content");
+  fs::create_symlink("linked", folder_ / "link.yml");
+  fs::create_symlink("nowhere", folder_ / "dangling");
+  ASSERT_EQ(mkfifo((folder_ / "pipe.yml").c_str(), 0600), 0);
   ASSERT_EQ(Run("$align frame.raw").code, 0);
 
   ExpectFailure(2, "align frame.raw", "--calibration");
@@ -164,7 +220,18 @@ TEST_F(ToolTest, FailuresPrintOneLineAndChangeNoFile) {
   ExpectFailure(1, "align --calibration narrow.bin frame.raw", "narrow.bin*tofCalibWidth*512*640");
   ExpectFailure(1, "align --calibration good.bin --output good.bin frame.raw", "good.bin");
   ExpectFailure(1, "align --calibration good.bin --output out/a/../b/ missing.raw", "missing.raw*No such file");
-  ExpectFailure(1, "$align frame.raw >/dev/full", "standard output*No space");
+  ExpectFailure(1, "$align huge.png", "huge.png*57600 x 32400*640 x 360");
+  ExpectFailure(1, "$align --aux huge.png frame.raw", "huge.png*57600 x 32400*100 megapixels");
+  ExpectFailure(1, "$align --aux huge.jpg frame.raw", "huge.jpg*57600 x 32400*100 megapixels");
+  ExpectFailure(2, "$align --confidence '' depth.png", "--confidence*empty");
+  ExpectFailure(2, "simulate --output ''", "--output*empty");
+  ExpectFailure(2, "simulate --frames 010 --output new", "--frames*010");
+  ExpectFailure(2, "simulate --frames 1 --output mine", "mine/calibration.bin*overwrite");
+  ExpectFailure(1, "simulate --frames 1 --output dangling", "dangling");
+  ExpectFailure(1, "simulate --frames 1 --output dangling/sub", "dangling/sub");
+  ExpectFailure(1, "calibration export good.bin -o dangling/out.yml", "dangling");
+  ExpectFailure(1, "calibration export good.bin -o link.yml", "link.yml*symbolic link");
+  ExpectFailure(1, "calibration export good.bin -o pipe.yml", "pipe.yml*regular file");
   ExpectFailure(1, "$align depth.png", "depth.preview.png*directory");
 }
 

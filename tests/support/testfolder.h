@@ -21,15 +21,16 @@ class TestFolder : public testing::Test {
     std::ifstream file(folder_ / name, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
   }
-  /// The path and the content of every file in the folder, hidden files and folders included.
+  /// The path of everything in the folder, hidden names included, and the content of the regular files.
   std::map<std::filesystem::path, std::string> Files() const {
     std::map<std::filesystem::path, std::string> files;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder_))
-      files[entry] = entry.is_directory() ? "" : Read(entry.path());
+      files[entry] = entry.is_regular_file() ? Read(entry.path()) : "";
     return files;
   }
 
-  const std::filesystem::path folder_ = testing::TempDir() + "itof-test-" + std::to_string(getpid());
+  // Its name shows where a command line is not quoted.
+  const std::filesystem::path folder_ = testing::TempDir() + "itof's test " + std::to_string(getpid());
 };
 
 #endif  // ITOF_TESTS_SUPPORT_TESTFOLDER_H_

@@ -19,11 +19,17 @@ class ToolRunner : public TestFolder {
     std::string out, err;
   };
 
+  static std::string Quoted(const std::string& path) {
+    std::string word = "'";
+    for (const char c : path) word += c == '\'' ? "'\\''" : std::string(1, c);
+    return word + "'";
+  }
+
   /// Runs the tool in the test's folder. `arguments` are shell words; $align stands for the command with a good
   /// calibration and the output folder. `before` precedes the tool's name in the shell's line.
   Result Run(const std::string& arguments, const std::string& before = "") const {
-    const std::string line = "cd '" + folder_.string() + "' && align='align --calibration good.bin --output out' && " +
-                             before + " '" ITOF_TOOL_PATH "' >stdout 2>stderr " + arguments;
+    const std::string line = "cd " + Quoted(folder_) + " && align='align --calibration good.bin --output out' && " +
+                             before + " " + Quoted(ITOF_TOOL_PATH) + " >stdout 2>stderr " + arguments;
     const Result result{WEXITSTATUS(std::system(line.c_str())), Read("stdout"), Read("stderr")};
     for (const char* stream : {"stdout", "stderr"}) std::filesystem::remove(folder_ / stream);
     return result;

@@ -2,11 +2,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cerrno>
 #include <csignal>
-#include <cstdio>
-#include <cstring>
 #include <exception>
 #include <new>
 #include <string>
@@ -14,30 +10,29 @@
 #include "alignment/kernelbuild.h"
 #include "commands/commands.h"
 #include "support/errors.h"
+#include "support/interrupts.h"
+#include "support/print.h"
 
 namespace {
 
 constexpr int kDataFailure = 1;
 constexpr int kUsageFailure = 2;
 
-/// Prints a failure in one line. File names and messages of other libraries may contain line breaks.
-int Fail(int code, std::string text) {
-  std::ranges::replace_if(
-      text, [](unsigned char c) { return c < ' ' || c == 127; }, ' ');
-  std::fprintf(stderr, "itof: %s\n", text.c_str());
+int Fail(int code, const std::string& text) {
+  itoftool::PrintMessage(text);
   return code;
 }
 
 /// Opens standard streams that the parent left closed. Otherwise the next file would get a stream's descriptor, and
-/// printed lines would go into that file.
+/// printed lines would go into that file. Each is opened in the wrong direction, so that using it fails as if closed.
 void OpenStandardStreams() {
   for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-    if (fcntl(descriptor, F_GETFD) < 0) open("/dev/null", O_RDWR);
+    if (fcntl(descriptor, F_GETFD) < 0) open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
   }
 }
 
-/// Parses the command line and runs the command. Returns the exit code; throws for every failure.
-int Run(int argc, char** argv) {
+/// Parses the command line and runs the command. Throws for every failure.
+void Run(int argc, char** argv) {
   CLI::App app("Aligns depth frames of a time-of-flight camera with the view of a second camera.", "itof");
   app.set_version_flag("--version", std::string("itof " ITOF_VERSION ", " ITOF_BUILD_TYPE " build, ") +
                                         itof::KernelBuildName(itof::PickKernelBuild()));
@@ -53,24 +48,19 @@ int Run(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& help) {
-    return app.exit(help);
+    app.exit(help);
+    itoftool::FinishOutput();
+    return;
   }
   itoftool::RequireSubcommand(app);
-  if (std::fflush(stdout) != 0) {
-    throw itoftool::DataError(std::string("standard output: ") + std::strerror(errno) + "; output files are complete");
-  }
-  return 0;
+  itoftool::FinishOutput();
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  OpenStandardStreams();
-  // With these ignored, a closed pipe or a file size limit makes a write fail, and partial output is removed.
-  std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);
+/// Runs the command and returns the exit code.
+int ExitCode(int argc, char** argv) {
   try {
-    return Run(argc, argv);
+    Run(argc, argv);
+    return 0;
   } catch (const CLI::ParseError& error) {
     return Fail(kUsageFailure, error.what());
   } catch (const itoftool::UsageError& error) {
@@ -80,4 +70,16 @@ int main(int argc, char** argv) {
   } catch (const std::exception& error) {
     return Fail(kDataFailure, error.what());
   }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  OpenStandardStreams();
+  // With these ignored, a closed pipe or a file size limit makes a write fail, and partial output is removed.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+  const int code = ExitCode(argc, argv);
+  itoftool::RaiseCaughtInterrupt();
+  return code;
 }

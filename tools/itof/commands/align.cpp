@@ -24,6 +24,7 @@
 #include "report/preview.h"
 #include "report/summary.h"
 #include "support/errors.h"
+#include "support/print.h"
 
 namespace itoftool {
 namespace fs = std::filesystem;
@@ -151,6 +152,7 @@ void RunAlign(const AlignOptions& options) {
   output.Write(kJsonName, FileBytes<char>(json));
   output.Commit();
   PrintSummary(reports, options.output);
+  FinishOutputAfterFiles();
 }
 
 }  // namespace
@@ -161,6 +163,7 @@ void AddAlignCommand(CLI::App& app) {
   AddCalibrationOption(*command, options->calibration);
   AddRatioOption(*command, options->ratio);
   command->add_option("--output", options->output, "Folder for the results; made if missing")
+      ->check(EmptyFault)
       ->type_name("DIR")
       ->capture_default_str();
   command->add_option("--kind", options->kind, "Contents of .png inputs: words, or millimetres (the default)")
@@ -169,6 +172,7 @@ void AddAlignCommand(CLI::App& app) {
   command
       ->add_option("--confidence", options->confidence,
                    "8-bit PNG of confidences 0..7 for a single input in millimetres; without it, 7")
+      ->check(EmptyFault)
       ->type_name("FILE");
   command->add_option("--aux", options->aux, "Picture of the aux camera for the preview: one, or one for each input")
       ->type_name("IMAGE")

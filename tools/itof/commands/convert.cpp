@@ -20,6 +20,7 @@
 #include "stereo/keys.h"
 #include "stereo/record.h"
 #include "support/errors.h"
+#include "support/print.h"
 #include "support/text.h"
 
 namespace itoftool {
@@ -83,7 +84,8 @@ void PrintCamera(const char* title, const StereoCamera& camera, std::span<const 
   std::printf("  distortion    from %s\n", Source(camera.distortion).c_str());
 }
 
-void PrintImport(const StereoPair& pair, const itof::CalibrationRecord& record, const fs::path& output) {
+void PrintImport(const StereoPair& pair, const itof::CalibrationRecord& record, const fs::path& output,
+                 const std::vector<Finding>& findings) {
   PrintCamera("camera 1 (ToF)", pair.tof, record.tofIntrinsics);
   PrintCamera("camera 2 (aux)", pair.aux, record.auxIntrinsics);
   const std::vector<double>& t = pair.translation.values;
@@ -91,7 +93,6 @@ void PrintImport(const StereoPair& pair, const itof::CalibrationRecord& record, 
               Source(pair.rotation).c_str());
   std::printf("baseline        %.6g mm, from %s\n", std::hypot(t[0], t[1], t[2]), Source(pair.translation).c_str());
   std::printf("written to      %s\n", output.c_str());
-  const std::vector<Finding> findings = CheckGeometry(record);
   std::printf("check           %s%s\n", CountText(findings).c_str(),
               findings.empty() ? "" : "; for details run \"itof calibration check\"");
 }
@@ -104,8 +105,10 @@ void Import(const ImportOptions& options) {
   StereoPair pair = ReadStereoFiles({options.inputs.begin(), options.inputs.end()}, tofSize, auxSize);
   if (options.unit == "m") ConvertToMillimetres(pair);
   const itof::CalibrationRecord record = RecordOf(pair, window);
+  const std::vector<Finding> findings = CheckGeometry(record);
   WriteOutput(options.output, FileBytes<itof::CalibrationRecord>({&record, 1}));
-  PrintImport(pair, record, options.output);
+  PrintImport(pair, record, options.output, findings);
+  FinishOutputAfterFiles();
 }
 
 void Export(const ExportOptions& options) {
@@ -115,6 +118,7 @@ void Export(const ExportOptions& options) {
   WriteOutput(options.output, FileBytes<char>(text));
   std::printf("camera 1 is the ToF camera, camera 2 the aux camera; T is in the calibration's unit, usually mm\n");
   std::printf("written to      %s\n", options.output.c_str());
+  FinishOutputAfterFiles();
 }
 
 }  // namespace
@@ -136,15 +140,18 @@ void AddImportCommand(CLI::App& calibration) {
   command->add_option("--tof-size", options->tofSize, "Image size of the ToF camera, if the files do not contain it")
       ->expected(2)
       ->delimiter(',')
+      ->check(DecimalFault)
       ->type_name("W,H");
   command->add_option("--aux-size", options->auxSize, "Image size of the aux camera, if the files do not contain it")
       ->expected(2)
       ->delimiter(',')
+      ->check(DecimalFault)
       ->type_name("W,H");
   command
       ->add_option("--tof-window", options->tofWindow, "16:9 part of the ToF image that becomes the frame of 640 x 360")
       ->expected(4)
       ->delimiter(',')
+      ->check(DecimalFault)
       ->type_name("X,Y,W,H");
   command->footer(StereoKeysHelp());
   command->callback([options] { Import(*options); });

@@ -109,9 +109,11 @@ void AddExplainCommand(CLI::App& app) {
       ->required()
       ->expected(2)
       ->delimiter(',')
+      ->check(DecimalFault)
       ->type_name("X,Y");
   command->add_option("--code", options->code, "Depth code of the pixel, 0 to 8191")
       ->required()
+      ->check(DecimalFault)
       ->check(CLI::Range(0, 8191))
       ->type_name("C");
   AddRatioOption(*command, options->ratio);

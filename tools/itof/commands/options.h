@@ -13,6 +13,17 @@ namespace itoftool {
 
 inline constexpr char kCalibrationFileHelp[] = "Calibration file of 228 bytes";
 
+/// Refuses numbers that the option parser does not read as decimal: 010 would be 8, and 0x10 16.
+inline std::string DecimalFault(const std::string& text) {
+  const size_t first = text.starts_with('-') ? 1 : 0;
+  const bool hasDigits = text.size() > first && text.find_first_not_of("0123456789", first) == std::string::npos;
+  if (hasDigits && (text[first] != '0' || text.size() == first + 1)) return {};
+  return "Value " + text + " is not a whole number in decimal, without leading zeros";
+}
+
+/// Refuses an empty name, e.g. of a shell variable that is not set; "" would pass as a missing option.
+inline std::string EmptyFault(const std::string& text) { return text.empty() ? "Value is empty" : ""; }
+
 inline void AddCalibrationOption(CLI::App& command, std::string& path) {
   command.add_option("--calibration", path, kCalibrationFileHelp)->required()->type_name("FILE");
 }

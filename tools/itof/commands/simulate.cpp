@@ -1,4 +1,5 @@
 // Runs `itof simulate`: writes frames to try the alignment on, with the aux camera's pictures and the true depth.
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
@@ -7,16 +8,22 @@
 #include <opencv2/core.hpp>
 #include <span>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "commands/commands.h"
+#include "commands/options.h"
 #include "files/files.h"
 #include "files/pictures.h"
 #include "simulation/simulation.h"
+#include "support/errors.h"
+#include "support/print.h"
 #include "support/text.h"
 
 namespace itoftool {
 namespace {
+
+constexpr char kCalibrationName[] = "calibration.bin";
 
 struct SimulateOptions {
   std::filesystem::path output;
@@ -41,10 +48,20 @@ std::string SeedFault(const std::string& text) {
   return "Value " + text + " is not a whole number from 0 to 18446744073709551615";
 }
 
+/// Throws UsageError if `path` is a calibration other than the simulated one. The simulation would replace it, perhaps the
+/// only copy.
+void CheckCalibrationToReplace(const std::filesystem::path& path, std::span<const uint8_t> simulated) {
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(path, ignored) || std::ranges::equal(ReadFile(path), simulated)) return;
+  throw UsageError(path.string() + ": is another calibration, and --output would overwrite it");
+}
+
 void Simulate(const SimulateOptions& options) {
   const simulation::Rig rig = simulation::GentleRig();
+  const auto calibration = FileBytes<itof::CalibrationRecord>({&rig.record, 1});
+  CheckCalibrationToReplace(options.output / kCalibrationName, calibration);
   StagedOutput output(options.output);
-  output.Write("calibration.bin", FileBytes<itof::CalibrationRecord>({&rig.record, 1}));
+  output.Write(kCalibrationName, calibration);
   for (int frame = 0; frame < options.frames; ++frame) {
     const simulation::Scene scene = simulation::RoomScene(frame);
     const auto words = simulation::DepthWords(rig, scene, simulation::FrameSeed(options.seed, frame));
@@ -65,7 +82,8 @@ void Simulate(const SimulateOptions& options) {
   std::printf("  NAME.aux.png    picture of the aux camera\n");
   std::printf("  NAME.truth.png  true depth at each cell of the aligned frame, millimetres\n");
   std::printf("Align the first one:\n  itof align --calibration %s --aux %s.aux.png %s.words.raw\n",
-              path("calibration.bin").c_str(), first.c_str(), first.c_str());
+              path(kCalibrationName).c_str(), first.c_str(), first.c_str());
+  FinishOutputAfterFiles();
 }
 
 }  // namespace
@@ -76,11 +94,14 @@ void AddSimulateCommand(CLI::App& app) {
       app.add_subcommand("simulate", "Simulates a camera pair: calibration, depth frames, aux pictures and true depth");
   command->add_option("--output", options->output, "Folder for the files; made if missing")
       ->required()
+      ->check(EmptyFault)
       ->type_name("DIR");
   command->add_option("--frames", options->frames, "Number of frames, 1 to 1000")
+      ->check(DecimalFault)
       ->check(CLI::Range(1, 1000))
       ->capture_default_str();
   command->add_option("--seed", options->seed, "Seed of the ToF camera's noise")
+      ->check(DecimalFault)
       ->check(SeedFault)
       ->capture_default_str();
   command->callback([options] { Simulate(*options); });

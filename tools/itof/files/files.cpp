@@ -1,10 +1,13 @@
 // Reads and writes files through the C library, whose errno names the cause of a failure.
 #include "files/files.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -13,6 +16,8 @@
 #include <unordered_set>
 
 #include "support/errors.h"
+#include "support/interrupts.h"
+#include "support/print.h"
 
 namespace itoftool {
 namespace fs = std::filesystem;
@@ -25,7 +30,8 @@ using File = std::unique_ptr<FILE, FileCloser>;
 
 constexpr size_t kLargestFile = size_t{256} << 20;
 
-// Folders inside the temporary folder of a StagedOutput: for its files, and for the files that they replace.
+constexpr char kStagePrefix[] = ".itof-partial-";  // of a StagedOutput's temporary folder
+// Folders inside that folder: for the output's files, and for the files that they replace.
 constexpr char kNew[] = "new", kOld[] = "old";
 
 /// Writes to `path`; errors name `shownAs`, which the user knows.
@@ -45,34 +51,66 @@ fs::path Canonical(const fs::path& path) {
   return error ? path : canonical;
 }
 
-/// Returns the folders that have to be made for `directory` to exist, the innermost first.
-std::vector<fs::path> MissingFolders(const fs::path& directory) {
-  std::error_code error;
-  std::vector<fs::path> missing;
-  for (fs::path path = directory; !path.empty() && !fs::exists(path, error); path = path.parent_path()) {
-    missing.push_back(path);
-  }
-  return missing;
+/// Makes `directory` and the folders that it needs. Puts those that it made into `made`, the innermost first. A symbolic
+/// link that leads nowhere is an error: it is the user's.
+void MakeFolders(const fs::path& directory, std::vector<fs::path>& made, std::error_code& error) {
+  std::error_code ignored;
+  if (directory.empty() || fs::symlink_status(directory, ignored).type() != fs::file_type::not_found) return;
+  MakeFolders(directory.parent_path(), made, error);
+  if (!error && fs::create_directory(directory, error)) made.insert(made.begin(), directory);
 }
 
-volatile std::sig_atomic_t interrupted = 0;
+/// Locks a folder as long as this process lives, or the descriptor that it returns is open. Returns -1 if `path` is not
+/// a folder or another process has locked it.
+int LockFolder(const fs::path& path) {
+  const int descriptor = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  if (descriptor >= 0 && flock(descriptor, LOCK_EX | LOCK_NB) == 0) return descriptor;
+  if (descriptor >= 0) close(descriptor);
+  return -1;
+}
 
-/// After this call, a first interrupt does not end the process. It makes the next step of an output fail, and the
-/// output is removed. A second interrupt ends the process.
-void CatchInterrupts() {
-  struct sigaction action {};
-  action.sa_handler = [](int) { interrupted = 1; };
-  action.sa_flags = static_cast<int>(SA_RESETHAND);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    struct sigaction before {};
-    sigaction(signal, nullptr, &before);
-    // A signal that is already ignored, e.g. under nohup, stays ignored.
-    if (before.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);
+/// Removes the temporary folders of runs that were killed. Keeps and names those with files that were put aside.
+void ClearLeftovers(const fs::path& directory) {
+  std::error_code ignored;
+  std::vector<fs::path> stages;
+  for (fs::directory_iterator entry(directory, ignored), end; entry != end; entry.increment(ignored)) {
+    if (entry->path().filename().string().starts_with(kStagePrefix)) stages.push_back(entry->path());
+  }
+  for (const fs::path& stage : stages) {
+    const int lock = LockFolder(stage);
+    if (lock < 0) continue;
+    // This folder is made last. Without it, a run may just have made the others.
+    if (fs::is_directory(stage / kOld, ignored)) {
+      fs::remove_all(stage / kNew, ignored);
+      rmdir((stage / kOld).c_str());
+      if (rmdir(stage.c_str()) != 0) {
+        PrintMessage("note: " + (stage / kOld).string() + " holds files that a killed run was replacing");
+      }
+    }
+    close(lock);
   }
 }
 
-void CheckInterrupts() {
-  if (interrupted != 0) throw DataError("interrupted; nothing was written");
+/// Fails if `path` exists and is not a regular file. Replacing a device, a pipe or a link would destroy it.
+void CheckReplaceable(const fs::path& path) {
+  std::error_code ignored;
+  switch (fs::symlink_status(path, ignored).type()) {
+    case fs::file_type::not_found:
+    case fs::file_type::regular:
+    case fs::file_type::none:  // not known; moving the file there names the cause
+      return;
+    case fs::file_type::directory:
+      Fail(path, "is a directory");
+    case fs::file_type::symlink:
+      Fail(path, "is a symbolic link, which would be replaced; give the name that it leads to");
+    default:
+      Fail(path, "exists and is not a regular file");
+  }
+}
+
+void Rename(const fs::path& from, const fs::path& to, std::error_code& error) {
+  error.clear();
+  if (std::rename(from.c_str(), to.c_str()) != 0) error.assign(errno, std::generic_category());
 }
 
 }  // namespace
@@ -108,15 +146,16 @@ std::vector<uint8_t> ReadFile(const fs::path& path) {
   return bytes;
 }
 
-StagedOutput::StagedOutput(const fs::path& directory)
-    : directory_(Canonical(directory)), made_(MissingFolders(directory_)) {
+StagedOutput::StagedOutput(const fs::path& directory) : directory_(Canonical(directory)) {
   CatchInterrupts();
   std::error_code error;
-  fs::create_directories(directory_, error);
-  std::string stage = (directory_ / ".itof-partial-XXXXXX").string();
+  MakeFolders(directory_, made_, error);
+  if (!error) ClearLeftovers(directory_);
+  std::string stage = (directory_ / (std::string(kStagePrefix) + "XXXXXX")).string();
   if (!error && mkdtemp(stage.data()) == nullptr) error.assign(errno, std::generic_category());
   if (!error) {
     stage_ = stage;
+    lock_ = LockFolder(stage_);
     fs::create_directory(stage_ / kNew, error);
   }
   if (!error) fs::create_directory(stage_ / kOld, error);
@@ -130,42 +169,64 @@ StagedOutput::~StagedOutput() { Discard(); }
 
 void StagedOutput::Discard() {
   std::error_code ignored;
-  fs::remove_all(stage_, ignored);
+  if (!stage_.empty()) fs::remove_all(stage_, ignored);
+  if (lock_ >= 0) close(lock_);
+  stage_.clear();
+  lock_ = -1;
   // This removes empty folders only. Another process may have written into them.
-  for (const fs::path& folder : made_) fs::remove(folder, ignored);
+  for (const fs::path& folder : made_) rmdir(folder.c_str());
 }
 
 void StagedOutput::Write(const std::string& name, std::span<const uint8_t> bytes) {
   CheckInterrupts();
-  std::error_code error;
-  if (fs::is_directory(directory_ / name, error)) Fail(directory_ / name, "is a directory");
+  CheckReplaceable(directory_ / name);
   WriteBytes(stage_ / kNew / name, directory_ / name, bytes);
   names_.push_back(name);
 }
 
+void StagedOutput::Replace(const std::string& name) {
+  const fs::path target = directory_ / name, written = stage_ / kNew / name, aside = stage_ / kOld / name;
+  CheckReplaceable(target);
+  std::error_code error, ignored;
+  if (const fs::file_status old = fs::status(target, ignored); fs::exists(old)) {
+    fs::permissions(written, old.permissions(), ignored);
+    // Moving the old file leaves its name missing for a moment, so that is for file systems without hard links only.
+    if (link(target.c_str(), aside.c_str()) != 0) Rename(target, aside, error);
+  }
+  if (!error) Rename(written, target, error);
+  if (error) Fail(target, error.message());
+}
+
+std::string StagedOutput::Restore(size_t count) {
+  std::string kept;
+  // The last name was not replaced, and must not be removed.
+  for (size_t i = 0; i < count; ++i) {
+    std::error_code error, ignored;
+    const fs::path target = directory_ / names_[i], aside = stage_ / kOld / names_[i];
+    if (fs::exists(aside, ignored)) {
+      Rename(aside, target, error);
+      if (error) kept += (kept.empty() ? "" : ", ") + aside.string();
+    } else if (i + 1 < count) {
+      fs::remove(target, ignored);
+    }
+  }
+  return kept;
+}
+
 void StagedOutput::Commit() {
   CheckInterrupts();
-  std::error_code error, ignored;
   for (size_t i = 0; i < names_.size(); ++i) {
-    const fs::path target = directory_ / names_[i];
-    if (fs::is_directory(target, error)) {
-      error = std::make_error_code(std::errc::is_a_directory);
-    } else {
-      fs::rename(target, stage_ / kOld / names_[i], error);
+    try {
+      Replace(names_[i]);
+    } catch (const DataError& error) {
+      const std::string kept = Restore(i + 1);
+      if (kept.empty()) throw;
+      stage_.clear();  // keeps the folder
+      throw DataError(std::string(error.what()) + "; old files that could not be put back: " + kept);
     }
-    if (!error || error == std::errc::no_such_file_or_directory) {
-      fs::rename(stage_ / kNew / names_[i], target, error);
-    }
-    if (!error) continue;
-    for (size_t j = 0; j <= i; ++j) {
-      if (j < i) fs::remove(directory_ / names_[j], ignored);
-      fs::rename(stage_ / kOld / names_[j], directory_ / names_[j], ignored);
-    }
-    Fail(target, error.message());
   }
   made_.clear();
-  names_.clear();
-  fs::remove_all(stage_, ignored);
+  Discard();
 }
 
 }  // namespace itoftool

@@ -33,27 +33,34 @@ std::vector<uint8_t> ReadFile(const std::filesystem::path& path);
 /// their names. If Commit is not called, the destructor removes them and any folders made for them.
 class StagedOutput {
  public:
-  /// Makes `directory` if it is missing. From then on, a first interrupt makes the next Write or Commit throw instead
-  /// of ending the process. Throws DataError.
+  /// Makes `directory` if it is missing, and removes the temporary folders that killed runs left there; prints a note for
+  /// each that holds files of the user. From then on, a first interrupt makes the next Write or Commit throw instead of
+  /// ending the process. Throws DataError.
   explicit StagedOutput(const std::filesystem::path& directory);
   ~StagedOutput();
   StagedOutput(const StagedOutput&) = delete;
   StagedOutput& operator=(const StagedOutput&) = delete;
 
-  /// Writes the file that Commit will move to `name` in the directory. Throws DataError, also if `name` is a folder
-  /// there.
+  /// Writes the file that Commit will move to `name` in the directory. Throws DataError, also if `name` exists there and
+  /// is not a regular file.
   void Write(const std::string& name, std::span<const uint8_t> bytes);
 
-  /// Moves all files to their names and replaces older files. If it throws DataError, every file is as it was before.
+  /// Moves all files to their names. Those that replace a file take over its mode. If it throws DataError, every file is
+  /// as it was before, or the text names where the old files are.
   void Commit();
 
  private:
+  /// Moves one file to its name and puts the older file aside. Throws DataError.
+  void Replace(const std::string& name);
+  /// Undoes Replace for the first `count` names. Returns the paths of files that could not be put back.
+  std::string Restore(size_t count);
   /// Removes the temporary folder and the folders made for the output.
   void Discard();
 
   std::filesystem::path directory_;
   std::vector<std::filesystem::path> made_;  // folders made for the output, the innermost first
-  std::filesystem::path stage_;              // the temporary folder
+  std::filesystem::path stage_;              // the temporary folder; empty if there is none to remove
+  int lock_ = -1;                            // descriptor that keeps other runs from removing it
   std::vector<std::string> names_;
 };
 
