@@ -45,13 +45,13 @@ void RequireRoundTrip(const itof::CalibrationRecord& record) {
   for (const char* name : {"a.yml", "a.xml", "a.json"}) {
     const std::string text = StereoFileText(PairOf(record), StereoFileFormat(name));
     const MemoryFile file(reinterpret_cast<const uint8_t*>(text.data()), text.size());
-    const itof::CalibrationRecord again = RecordOf(ReadStereoFiles({file.Path()}, {}, {}), std::nullopt);
+    const itof::CalibrationRecord again = RecordOf(ReadStereoFiles({file.Path()}), std::nullopt);
     Require(std::memcmp(&again, &record, sizeof record) == 0, "an export imports as the same record");
   }
 }
 
 void ReadStereo(const std::filesystem::path& path) {
-  const itof::CalibrationRecord record = RecordOf(ReadStereoFiles({path}, {}, {}), std::nullopt);
+  const itof::CalibrationRecord record = RecordOf(ReadStereoFiles({path}), std::nullopt);
   try {
     RequireRoundTrip(record);
   } catch (const DataError& error) {
@@ -75,7 +75,7 @@ void (*const kReaders[])(const std::filesystem::path& path, std::span<const uint
     [](const auto& path, auto) { (void)ReadDepthFrame(path, FrameFormat::kPngMillimetres, {}); },
     [](const auto& path, auto) { (void)ReadDepthFrame(NoDepth(), FrameFormat::kPngMillimetres, path); },
     [](const auto& path, auto) {
-      RecordOf(ReadStereoFiles({path, path}, {}, {}), Window{0, 60, 640, 360});
+      RecordOf(ReadStereoFiles({path, path}), Window{0, 60, 640, 360});
     },
     [](const auto& path, auto) { (void)ReadColourPicture(path); },
 };

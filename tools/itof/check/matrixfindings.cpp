@@ -44,7 +44,7 @@ bool CheckUnit(const CheckedPair& checked, const CameraFields& written, Findings
 /// Checks that the matrix is [fx 0 cx; 0 fy cy; 0 0 1]. The far-plane step uses the whole matrix, the lens table only
 /// these four numbers.
 void CheckForm(const CheckedPair& checked, const CameraFields& written, Findings& findings) {
-  constexpr double kSkew = 1e-3;  // share of a focal length
+  constexpr double kSkew = 1e-4;  // share of a focal length; beyond it, skew moves pixels by 0.05 or more
   const auto& m = written.matrix;
   const bool isSkewed = std::max(std::abs(m[1]), std::abs(m[3])) > kSkew * written.Fx();
   if (!isSkewed && m[6] == 0 && m[7] == 0 && m[8] == 1) return;

@@ -1,4 +1,4 @@
-// Runs `itof calibration import` and `export`: converts between OpenCV's stereo calibration files and calibration
+// Runs `itof calibration import` and `export`: converts between stereo calibrations of other programs and calibration
 // files.
 #include <algorithm>
 #include <cmath>
@@ -8,6 +8,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "camera/rotation.h"
@@ -30,8 +31,9 @@ namespace {
 struct ImportOptions {
   std::vector<std::string> inputs;
   std::string output;
-  std::string unit = "mm";
-  std::vector<int> tofSize, auxSize, tofWindow;  // empty if not given
+  std::string unit, format, quaternionOrder;                // empty if not given
+  std::vector<int> tofSize, auxSize, tofWindow, auxWindow;  // like these
+  std::vector<double> rotation, translation;
 };
 
 struct ExportOptions {
@@ -45,6 +47,34 @@ Quantity SizeOf(const char* option, const std::vector<int>& size) {
   if (size[0] < 1 || size[1] < 1)
     throw UsageError(Format("%s: %d,%d is not a valid image size", option, size[0], size[1]));
   return {{static_cast<double>(size[0]), static_cast<double>(size[1])}, option, {}};
+}
+
+std::optional<Window> WindowOf(const std::vector<int>& window) {
+  if (window.empty()) return std::nullopt;
+  return Window{window[0], window[1], window[2], window[3]};
+}
+
+/// Returns rotation and translation as the options give them; a quaternion in the order x, y, z, w.
+std::pair<Quantity, Quantity> PoseOf(const ImportOptions& options) {
+  Quantity rotation{options.rotation, "--rotation", {}}, translation{options.translation, "--translation", {}};
+  std::vector<double>& r = rotation.values;
+  if (r.empty() != translation.values.empty()) throw UsageError("--rotation and --translation: one needs the other");
+  for (const Quantity* quantity : {&rotation, &translation}) {
+    if (!std::ranges::all_of(quantity->values, [](double value) { return std::isfinite(value); })) {
+      throw UsageError(quantity->key + ": contains a number that is not finite");
+    }
+  }
+  if (!r.empty() && r.size() != 3 && r.size() != 4 && r.size() != 9) {
+    throw UsageError(
+        Format("--rotation: has %zu numbers; expected 9 row by row, a rotation vector of 3 in radians, or a "
+               "quaternion of 4",
+               r.size()));
+  }
+  if ((r.size() == 4) == options.quaternionOrder.empty()) {
+    throw UsageError("--quaternion-order: xyzw or wxyz belongs to a --rotation of 4 numbers");
+  }
+  if (options.quaternionOrder == "wxyz") std::ranges::rotate(r, r.begin() + 1);
+  return {rotation, translation};
 }
 
 /// Checks that `output` names a file and that no input is that file.
@@ -68,8 +98,9 @@ std::string Source(const Quantity& quantity) {
   return quantity.key.substr(0, plus) + more + (quantity.file.empty() ? "" : " in " + quantity.file);
 }
 
-/// Prints one camera as in the files and, if the record has a different matrix, as in the record.
-void PrintCamera(const char* title, const StereoCamera& camera, std::span<const float, 9> stored) {
+/// Prints one camera as in the files and, if the record has a different matrix, as in the record, where it refers to
+/// `frame`.
+void PrintCamera(const char* title, const StereoCamera& camera, const char* frame, std::span<const float, 9> stored) {
   const std::vector<double>& size = camera.size.values;
   const std::vector<double>& m = camera.matrix.values;
   std::printf("%s\n", title);
@@ -79,35 +110,40 @@ void PrintCamera(const char* title, const StereoCamera& camera, std::span<const 
   const auto isKept = [](double value, float single) { return static_cast<float>(value) == single; };
   if (!std::equal(m.begin(), m.end(), stored.begin(), isKept)) {
     const auto at = [&](size_t index) { return static_cast<double>(stored[index]); };
-    std::printf("    in 640x360  fx %.9g, fy %.9g, cx %.9g, cy %.9g\n", at(0), at(4), at(2), at(5));
+    std::printf("    %-10s  fx %.9g, fy %.9g, cx %.9g, cy %.9g\n", frame, at(0), at(4), at(2), at(5));
   }
   std::printf("  distortion    from %s\n", Source(camera.distortion).c_str());
 }
 
-void PrintImport(const StereoPair& pair, const itof::CalibrationRecord& record, const fs::path& output,
-                 const std::vector<Finding>& findings) {
-  PrintCamera("camera 1 (ToF)", pair.tof, record.tofIntrinsics);
-  PrintCamera("camera 2 (aux)", pair.aux, record.auxIntrinsics);
+void PrintImport(const StereoPair& pair, const itof::CalibrationRecord& record, const fs::path& output) {
+  PrintCamera("camera 1 (ToF)", pair.tof, "in 640x360", record.tofIntrinsics);
+  PrintCamera("camera 2 (aux)", pair.aux, "in window", record.auxIntrinsics);
   const std::vector<double>& t = pair.translation.values;
   std::printf("rotation        %.3f degrees, from %s\n", RotationAngle(cv::Matx33d(pair.rotation.values.data())),
               Source(pair.rotation).c_str());
   std::printf("baseline        %.6g mm, from %s\n", std::hypot(t[0], t[1], t[2]), Source(pair.translation).c_str());
+  for (const std::string& note : pair.notes) std::printf("note            %s\n", note.c_str());
   std::printf("written to      %s\n", output.c_str());
-  std::printf("check           %s%s\n", CountText(findings).c_str(),
-              findings.empty() ? "" : "; for details run \"itof calibration check\"");
 }
 
 void Import(const ImportOptions& options) {
   CheckOutput(options.output, options.inputs);
-  const Quantity tofSize = SizeOf("--tof-size", options.tofSize), auxSize = SizeOf("--aux-size", options.auxSize);
-  std::optional<Window> window;
-  if (const auto& w = options.tofWindow; !w.empty()) window = {w[0], w[1], w[2], w[3]};
-  StereoPair pair = ReadStereoFiles({options.inputs.begin(), options.inputs.end()}, tofSize, auxSize);
-  if (options.unit == "m") ConvertToMillimetres(pair);
-  const itof::CalibrationRecord record = RecordOf(pair, window);
+  const auto [rotation, translation] = PoseOf(options);
+  const StereoOptions stereo{.format = options.format,
+                             .tofSize = SizeOf("--tof-size", options.tofSize),
+                             .auxSize = SizeOf("--aux-size", options.auxSize),
+                             .rotation = rotation,
+                             .translation = translation};
+  StereoPair pair = ReadStereoFiles({options.inputs.begin(), options.inputs.end()}, stereo);
+  ConvertToMillimetres(pair, options.unit);
+  const itof::CalibrationRecord record = RecordOf(pair, WindowOf(options.tofWindow), WindowOf(options.auxWindow));
   const std::vector<Finding> findings = CheckGeometry(record);
   WriteOutput(options.output, FileBytes<itof::CalibrationRecord>({&record, 1}));
-  PrintImport(pair, record, options.output, findings);
+  PrintImport(pair, record, options.output);
+  const std::string check =
+      CountText(findings) + (findings.empty() ? "" : "; for details run \"itof calibration check\"");
+  if (CountErrors(findings) > 0) throw DataError(options.output + ": written, but the check finds " + check);
+  std::printf("check           %s\n", check.c_str());
   FinishOutputAfterFiles();
 }
 
@@ -125,35 +161,47 @@ void Export(const ExportOptions& options) {
 
 void AddImportCommand(CLI::App& calibration) {
   const auto options = std::make_shared<ImportOptions>();
-  CLI::App* command = calibration.add_subcommand("import", "Makes a calibration file from OpenCV's stereo calibration");
+  CLI::App* command =
+      calibration.add_subcommand("import", "Makes a calibration file from the stereo calibration of another program");
   command
-      ->add_option(
-          "STEREO", options->inputs,
-          "YAML, XML or JSON files with the pair, one or several; camera 1 is the ToF camera, camera 2 the aux camera")
+      ->add_option("STEREO", options->inputs,
+                   "YAML, XML or JSON files with the pair, one or several; camera 1, left, or the first file with one "
+                   "camera is the ToF camera")
       ->required()
       ->type_name("");
   command->add_option("-o,--output", options->output, "Calibration file to write")->required()->type_name("FILE");
-  command->add_option("--unit", options->unit, "Unit of the translation in the files")
-      ->type_name("mm|m")
-      ->check(CLI::IsMember({"mm", "m"}))
-      ->capture_default_str();
-  command->add_option("--tof-size", options->tofSize, "Image size of the ToF camera, if the files do not contain it")
+  const auto addNumbers = [&](const char* name, auto& numbers, const char* form, const char* help) {
+    return command->add_option(name, numbers, help)->delimiter(',')->type_name(form);
+  };
+  const auto addChoice = [&](const char* name, std::string& choice, const std::vector<std::string>& names,
+                             const char* help) {
+    std::string form;
+    for (const std::string& each : names) form += (form.empty() ? "" : "|") + each;
+    command->add_option(name, choice, help)->type_name(form)->check(CLI::IsMember(names));
+  };
+  addChoice("--format", options->format, StereoFormatNames(), "Format of the files, if it is not to be recognised");
+  addChoice("--unit", options->unit, UnitNames(),
+            "Unit of the translation if the files do not say it; mm if not given");
+  addNumbers("--tof-size", options->tofSize, "W,H", "Image size of the ToF camera, if the files do not contain it")
       ->expected(2)
-      ->delimiter(',')
-      ->check(DecimalFault)
-      ->type_name("W,H");
-  command->add_option("--aux-size", options->auxSize, "Image size of the aux camera, if the files do not contain it")
+      ->check(DecimalFault);
+  addNumbers("--aux-size", options->auxSize, "W,H", "Image size of the aux camera, if the files do not contain it")
       ->expected(2)
-      ->delimiter(',')
-      ->check(DecimalFault)
-      ->type_name("W,H");
-  command
-      ->add_option("--tof-window", options->tofWindow, "16:9 part of the ToF image that becomes the frame of 640 x 360")
+      ->check(DecimalFault);
+  addNumbers("--tof-window", options->tofWindow, "X,Y,W,H",
+             "16:9 part of the ToF image that becomes the frame of 640 x 360")
       ->expected(4)
-      ->delimiter(',')
-      ->check(DecimalFault)
-      ->type_name("X,Y,W,H");
-  command->footer(StereoKeysHelp());
+      ->check(DecimalFault);
+  addNumbers("--aux-window", options->auxWindow, "X,Y,W,H", "16:9 part of the aux image that becomes the frame")
+      ->expected(4)
+      ->check(DecimalFault);
+  addNumbers("--translation", options->translation, "X,Y,Z", "Translation, if the files do not contain it")
+      ->expected(3);
+  addNumbers("--rotation", options->rotation, "R,...",
+             "Rotation: 9 numbers row by row, a rotation vector of 3 in radians, or a quaternion of 4")
+      ->expected(3, 9);
+  addChoice("--quaternion-order", options->quaternionOrder, {"xyzw", "wxyz"}, "Order of a --rotation of 4 numbers");
+  command->footer(StereoFormatsHelp() + "\n" + StereoKeysHelp());
   command->callback([options] { Import(*options); });
 }
 

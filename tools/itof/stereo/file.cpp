@@ -1,84 +1,90 @@
-// Collects the quantities of a pair from cv::FileStorage, and writes them.
+// Chooses the reader of a format, completes what it read from options, and writes OpenCV's files.
 #include "stereo/file.h"
 
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
-#include <cstdint>
-#include <exception>
-#include <iterator>
-#include <new>
 #include <opencv2/core.hpp>
+#include <utility>
 
 #include "files/files.h"
+#include "stereo/document.h"
+#include "stereo/format.h"
 #include "stereo/keys.h"
 #include "stereo/numbers.h"
 #include "support/errors.h"
-#include "support/silence.h"
 #include "support/text.h"
 
 namespace itoftool {
 namespace fs = std::filesystem;
 namespace {
 
-/// Opens a file. Throws DataError if it has no keys or one key twice, of which OpenCV would show only one; OpenCV's
-/// exceptions pass through.
-void Open(cv::FileStorage& storage, const fs::path& path) {
-  const std::vector<uint8_t> bytes = ReadFile(path);
-  storage.open({bytes.begin(), bytes.end()}, cv::FileStorage::READ | cv::FileStorage::MEMORY);
-  std::vector<std::string> keys;
-  for (int i = 0; i == 0 || !storage.root(i).empty(); ++i) {
-    const cv::FileNode root = storage.root(i);
-    if (!root.isMap()) Fail(path, "contains no keys");
-    std::ranges::copy(root.keys(), std::back_inserter(keys));
+const StereoFormat& FormatOf(const Documents& documents, const std::string& name) {
+  if (name.empty()) RefuseUnsupportedFormat(documents);
+  RefuseUnsupportedModel(documents);
+  const auto isWanted = [&](const StereoFormat* format) {
+    return name.empty() ? format->recognises(documents) : format->name == name;
+  };
+  const StereoFormat& format = **std::ranges::find_if(kStereoFormats, isWanted);
+  if (!name.empty() && !format.recognises(documents)) {
+    Fail(documents[0].file, "--format: is not in the format " + name + ": " + format.contents);
   }
-  std::ranges::sort(keys);
-  if (const auto twice = std::ranges::adjacent_find(keys); twice != keys.end()) Fail(path, *twice + ": appears twice");
+  return format;
 }
 
-/// Returns line and cause from the parser's message, if that has the form "...(7): Missing , between the elements'".
-std::string ParserFault(const std::exception& error) {
-  const std::string text = error.what();
-  const size_t close = text.rfind("): ");
-  const size_t open = text.rfind('(', close);
-  if (close == std::string::npos || open == std::string::npos) return {};
-  const std::string line = text.substr(open + 1, close - open - 1);
-  const std::string cause = text.substr(close + 3, text.find_last_not_of("'\n") - close - 2);
-  if (line.find_first_not_of("0123456789") != std::string::npos) return {};
-  return "; line " + line + ": " + cause;
-}
-
-/// Returns whether a key holds the size of both cameras. The key of one camera, or an option, takes precedence.
-bool IsCommon(const std::string& pattern, const Spellings& spellings) {
-  return spellings.kind == QuantityKind::kSize && pattern.find_first_of("#@") == std::string::npos;
-}
-bool IsOfOneCamera(const Quantity& quantity) {
-  return quantity.key.starts_with("--") || quantity.key.find_first_of(".12") != std::string::npos;
-}
-
-void TakeFile(const fs::path& path, StereoPair& pair) {
-  const Silence silence(stderr);
-  cv::FileStorage storage;
+void ApplyOptions(const StereoOptions& options, StereoPair& pair) {
+  for (const auto& [size, wanted] : {std::pair{&pair.tof.size, &options.tofSize}, {&pair.aux.size, &options.auxSize}}) {
+    if (wanted->values.empty()) continue;
+    const bool isCommon = size->values.empty() || size->isCommon;
+    if (!isCommon && size->values != wanted->values) Fail(*size, "differs from " + wanted->key);
+    *size = *wanted;
+  }
+  if (options.rotation.values.empty()) return;
+  for (const Quantity* quantity : {&pair.rotation, &pair.translation}) {
+    if (!quantity->values.empty()) {
+      throw UsageError("--rotation, --translation: " + quantity->file + " has the pose: " + quantity->key);
+    }
+  }
+  pair.rotation = options.rotation;
+  pair.translation = options.translation;
+  pair.unit.clear();
   try {
-    Open(storage, path);
-    ForEachQuantity(pair, [&](Quantity& quantity, const Spellings& spellings, int camera) {
-      for (const char* pattern : spellings.keys) {
-        Quantity found{{}, KeyOf(pattern, camera), path.string()};
-        found.values = ReadKey(storage, found, spellings.kind);
-        if (found.values.empty() || (IsCommon(pattern, spellings) && IsOfOneCamera(quantity))) continue;
-        if (quantity.values.empty()) {
-          quantity = found;
-        } else if (quantity.values != found.values) {
-          Fail(found, "differs from " + quantity.key + (quantity.file.empty() ? "" : " in " + quantity.file));
-        }
+    pair.rotation.values = RotationMatrix(options.rotation, options.rotation.values);
+  } catch (const DataError& error) {
+    throw UsageError(error.what());
+  }
+}
+
+/// Checks that the pair has everything but aux_fl_ratio. Pads the distortions.
+void Complete(const std::string& files, StereoPair& pair) {
+  ForEachQuantity(pair, kOpenCvSpellings, [&](const Quantity& quantity, const Spellings& spellings, int camera) {
+    if (!quantity.values.empty()) return;
+    const std::string missing = std::string("no ") + spellings.name;
+    const std::string owner = camera == 1 ? " for camera 1 (ToF)" : " for camera 2 (aux)";
+    switch (spellings.kind) {
+      case QuantityKind::kRatio:
+        return;
+      case QuantityKind::kSize:
+        Fail(files, missing + owner + "; add " + (camera == 1 ? "--tof-size" : "--aux-size") + " W,H, e.g. 640,480");
+      case QuantityKind::kRotation:
+      case QuantityKind::kTranslation:
+        Fail(files, missing +
+                        " from camera 1 (ToF) to camera 2 (aux); add the file that has it, or --translation X,Y,Z "
+                        "and --rotation with 9 or 3 numbers");
+      default: {
+        std::vector<std::string> keys;
+        for (const char* pattern : spellings.keys) keys.push_back(KeyOf(pattern, camera));
+        Fail(files, missing + owner + "; accepted keys: " + Joined(keys));
       }
-    });
-  } catch (const DataError&) {
-    throw;
-  } catch (const std::bad_alloc&) {
-    throw;
-  } catch (const std::exception& error) {  // from OpenCV, or from the C++ library through its parser
-    Fail(path, "is damaged, or not YAML, XML or JSON that OpenCV can read" + ParserFault(error));
+    }
+  });
+  for (StereoCamera* camera : {&pair.tof, &pair.aux}) {
+    std::vector<double>& values = camera->distortion.values;
+    if (values.size() == 4 && !camera->hasModelName) {
+      pair.notes.push_back(camera->distortion.key + " in " + camera->distortion.file +
+                           ": read as k1 k2 p1 p2; if they come from a fisheye calibration, this is wrong");
+    }
+    values.resize(std::max(values.size(), kFileCoefficients));
   }
 }
 
@@ -87,24 +93,28 @@ double WithoutNegativeZero(double value) { return value == 0 && std::signbit(val
 
 }  // namespace
 
-StereoPair ReadStereoFiles(const std::vector<fs::path>& paths, const Quantity& tofSize, const Quantity& auxSize) {
-  StereoPair pair;
-  pair.tof.size = tofSize;
-  pair.aux.size = auxSize;
+std::vector<std::string> StereoFormatNames() {
+  std::vector<std::string> names;
+  for (const StereoFormat* format : kStereoFormats) names.emplace_back(format->name);
+  return names;
+}
+
+std::string StereoFormatsHelp() {
+  std::string text = "Formats:\n";
+  for (const StereoFormat* format : kStereoFormats) text += Format("  %-10s %s\n", format->name, format->contents);
+  return text;
+}
+
+StereoPair ReadStereoFiles(const std::vector<fs::path>& paths, const StereoOptions& options) {
+  Documents documents;
   std::vector<std::string> files;
   for (const fs::path& path : paths) {
-    TakeFile(path, pair);
+    documents.push_back(ReadDocument(path));
     files.push_back(path.string());
   }
-  ForEachQuantity(pair, [&](const Quantity& quantity, const Spellings& spellings, int camera) {
-    if (!quantity.values.empty() || spellings.kind == QuantityKind::kRatio) return;
-    std::vector<std::string> keys;
-    for (const char* pattern : spellings.keys) keys.push_back(KeyOf(pattern, camera));
-    const char* owner = camera == 0 ? "" : camera == 1 ? " for camera 1 (ToF)" : " for camera 2 (aux)";
-    const char* option = camera == 1 ? "; or use --tof-size" : "; or use --aux-size";
-    Fail(Joined(files), std::string("no ") + spellings.name + owner + "; accepted keys: " + Joined(keys) +
-                            (spellings.kind == QuantityKind::kSize ? option : ""));
-  });
+  StereoPair pair = FormatOf(documents, options.format).read(documents);
+  ApplyOptions(options, pair);
+  Complete(Joined(files), pair);
   return pair;
 }
 
@@ -118,7 +128,7 @@ int StereoFileFormat(const fs::path& path) {
 
 std::string StereoFileText(StereoPair pair, int format) {
   cv::FileStorage storage("", cv::FileStorage::WRITE | cv::FileStorage::MEMORY | format);
-  ForEachQuantity(pair, [&](Quantity& quantity, const Spellings& spellings, int camera) {
+  ForEachQuantity(pair, kOpenCvSpellings, [&](Quantity& quantity, const Spellings& spellings, int camera) {
     const std::string key = KeyOf(spellings.keys[0], camera);
     std::vector<double>& values = quantity.values;
     std::ranges::transform(values, values.begin(), WithoutNegativeZero);

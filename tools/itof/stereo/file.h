@@ -1,4 +1,4 @@
-// Reads and writes the files of OpenCV's stereo calibration.
+// Reads stereo calibrations in all formats, and writes OpenCV's.
 #ifndef ITOF_TOOL_STEREO_FILE_H_
 #define ITOF_TOOL_STEREO_FILE_H_
 
@@ -10,12 +10,22 @@
 
 namespace itoftool {
 
-/// Reads a pair from one or several YAML, XML or JSON files. `tofSize` and `auxSize` are used if the files do not
-/// contain the sizes; they must not contradict the files and may be empty. Short distortions are padded with 0,
-/// rotation vectors become matrices, and auxFlRatio may stay empty. Throws DataError, which names file, key and cause,
-/// or the accepted keys of a missing quantity.
-StereoPair ReadStereoFiles(const std::vector<std::filesystem::path>& paths, const Quantity& tofSize,
-                           const Quantity& auxSize);
+/// What the command line says about the pair, each empty if it does not say it.
+struct StereoOptions {
+  std::string format;         // its name; recognised from the content if empty
+  Quantity tofSize, auxSize;  // must not contradict the files
+  Quantity rotation;          // 9 numbers, a rotation vector of 3, or a quaternion x, y, z, w
+  Quantity translation;       // only together with `rotation`, and only if the files have neither
+};
+
+/// The names of the formats, and a help text that describes them.
+std::vector<std::string> StereoFormatNames();
+std::string StereoFormatsHelp();
+
+/// Reads a pair from one or several YAML, XML or JSON files. Short distortions are padded with 0, rotation vectors
+/// become matrices, and auxFlRatio may stay empty. Throws DataError, which names file, key and cause, or the option for
+/// what is missing; UsageError for options that the files contradict or that are not a rotation.
+StereoPair ReadStereoFiles(const std::vector<std::filesystem::path>& paths, const StereoOptions& options = {});
 
 /// Returns the format of a file by its extension, as a cv::FileStorage constant. Throws UsageError for other
 /// extensions.

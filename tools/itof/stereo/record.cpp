@@ -108,46 +108,74 @@ void CutTail(StereoCamera& camera) {
   values.resize(kFileCoefficients);
 }
 
-/// Makes the part `window` of the ToF camera's image its whole image, at 640 x 360.
-void ApplyTofWindow(StereoCamera& tof, const std::optional<Window>& window) {
-  const int width = static_cast<int>(tof.size.values[0]);
-  const int height = static_cast<int>(tof.size.values[1]);
-  const std::string image = std::to_string(width) + " x " + std::to_string(height) + " pixels";
-  const auto fitting = [&](const Window& wanted) {
-    const Window nearest = NearestWindow(wanted, width, height);
-    return nearest.width == 0 ? "none in " + image : Text(nearest);
-  };
-  if (!window) {
-    if (width == itof::kFrameWidth) return;
-    Fail(tof.size,
-         "the ToF image has " + image +
-             " but must be 640 wide; select the part that becomes 640 x 360 with --tof-window. Largest possible: " +
-             fitting({0, 0, width, height}));
-  }
-  const auto [x, y, w, h] = *window;
-  const bool isInside = w > 0 && h > 0 && x >= 0 && y >= 0 && w <= width - x && h <= height - y;
+std::string ImageText(const StereoCamera& camera) {
+  return Format("%.0f x %.0f pixels", std::trunc(camera.size.values[0]), std::trunc(camera.size.values[1]));
+}
+
+/// Returns the text of the window inside the camera's image that is nearest to `wanted`.
+std::string FittingText(const StereoCamera& camera, const Window& wanted) {
+  const Window nearest =
+      NearestWindow(wanted, static_cast<int>(camera.size.values[0]), static_cast<int>(camera.size.values[1]));
+  return nearest.width == 0 ? "none in " + ImageText(camera) : Text(nearest);
+}
+
+/// Makes the part `window` of a camera's image its whole image, at `width` x `height` pixels.
+void ApplyWindow(StereoCamera& camera, const char* option, const Window& window, int width, int height) {
+  const auto [x, y, w, h] = window;
+  const bool isInside = w > 0 && h > 0 && x >= 0 && y >= 0 && w <= static_cast<int>(camera.size.values[0]) - x &&
+                        h <= static_cast<int>(camera.size.values[1]) - y;
   if (!isInside || int64_t{w} * 9 != int64_t{h} * 16) {
-    throw UsageError("--tof-window: " + Text(*window) + (isInside ? " is not 16:9" : " is not inside " + image) +
-                     "; the nearest window that fits: " + fitting(*window));
+    throw UsageError(std::string(option) + ": " + Text(window) +
+                     (isInside ? " is not 16:9" : " is not inside " + ImageText(camera)) +
+                     "; the nearest window that fits: " + FittingText(camera, window));
   }
   const ImagePart part{static_cast<double>(x), static_cast<double>(y), static_cast<double>(w), static_cast<double>(h)};
-  TakePart(tof.matrix.values.data(), part, itof::kFrameWidth, itof::kFrameHeight);
-  tof.size.values = {itof::kFrameWidth, itof::kFrameHeight};
+  TakePart(camera.matrix.values.data(), part, width, height);
+  camera.size.values = {static_cast<double>(width), static_cast<double>(height)};
 }
+
+void ApplyTofWindow(StereoCamera& tof, const std::optional<Window>& window) {
+  const int width = static_cast<int>(tof.size.values[0]), height = static_cast<int>(tof.size.values[1]);
+  if (window) {
+    ApplyWindow(tof, "--tof-window", *window, itof::kFrameWidth, itof::kFrameHeight);
+  } else if (width != itof::kFrameWidth) {
+    Fail(tof.size,
+         "the ToF image has " + ImageText(tof) +
+             " but must be 640 wide; select the part that becomes 640 x 360 with --tof-window. Largest possible: " +
+             FittingText(tof, {0, 0, width, height}));
+  }
+}
+
+constexpr struct {
+  const char* name;
+  double millimetres;
+} kUnits[] = {{"um", 0.001}, {"mm", 1}, {"cm", 10}, {"m", 1000}, {"in", 25.4}};
 
 }  // namespace
 
-void ConvertToMillimetres(StereoPair& pair) {
-  if (pair.translation.key == kMillimetreKey) {
-    throw UsageError("--unit: " + pair.translation.file + " has " + kMillimetreKey + ", which is in mm");
-  }
-  for (double& entry : pair.translation.values) entry *= 1000;
+std::vector<std::string> UnitNames() {
+  std::vector<std::string> names;
+  for (const auto& unit : kUnits) names.emplace_back(unit.name);
+  return names;
 }
 
-itof::CalibrationRecord RecordOf(StereoPair pair, const std::optional<Window>& window) {
+void ConvertToMillimetres(StereoPair& pair, const std::string& unit) {
+  if (!pair.unit.empty() && !unit.empty() && unit != pair.unit) {
+    throw UsageError("--unit: " + pair.translation.file + ": " + pair.translation.key + " is in " + pair.unit);
+  }
+  const std::string& name = pair.unit.empty() ? unit : pair.unit;
+  for (const auto& known : kUnits) {
+    if (name != known.name) continue;
+    for (double& entry : pair.translation.values) entry *= known.millimetres;
+  }
+}
+
+itof::CalibrationRecord RecordOf(StereoPair pair, const std::optional<Window>& tofWindow,
+                                 const std::optional<Window>& auxWindow) {
   CutTail(pair.tof);
   CutTail(pair.aux);
-  ApplyTofWindow(pair.tof, window);
+  ApplyTofWindow(pair.tof, tofWindow);
+  if (auxWindow) ApplyWindow(pair.aux, "--aux-window", *auxWindow, auxWindow->width, auxWindow->height);
   if (pair.auxFlRatio.values.empty()) pair.auxFlRatio.values = {1};
   itof::CalibrationRecord record{};
   const std::vector<Slot> slots = Slots(pair);

@@ -18,6 +18,8 @@ std::string Format(const char* format, ...) {
   return text;
 }
 
+std::string Quoted(const std::string& text) { return Format("\"%s\"", text.c_str()); }
+
 std::string Wrap(const std::string& text, size_t indent, size_t width) {
   const std::string margin(indent, ' ');
   std::istringstream words(text);

@@ -10,6 +10,9 @@ namespace itoftool {
 /// Formats as printf does.
 [[gnu::format(printf, 1, 2)]] std::string Format(const char* format, ...);
 
+/// The text in double quotes.
+std::string Quoted(const std::string& text);
+
 /// Breaks `text` at spaces into lines of at most `width` characters, each with `indent` leading spaces and a line end.
 std::string Wrap(const std::string& text, size_t indent, size_t width = 100);
 
