@@ -1,10 +1,13 @@
-// Checks `itof calibration import` and `export`, between calibration files and OpenCV's stereo calibrations.
+// Checks `itof calibration import` and `export`, between calibration files and stereo calibrations in all formats.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <filesystem>
+#include <fstream>
 #include <initializer_list>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <opencv2/core.hpp>
 #include <string>
 #include <utility>
@@ -56,7 +59,8 @@ class ConvertTest : public ToolRunner {
     const Result result = Run("calibration import -o pair.bin " + arguments);
     // The check may find errors in a pair that is only made of easy numbers. The file is written all the same.
     if (result.code != 0) {
-      EXPECT_EQ(fnmatch("itof: pair.bin: written, but the check finds *error*\n", result.err.c_str(), 0), 0) << result.err;
+      EXPECT_EQ(fnmatch("itof: pair.bin: written, but the check finds *error*\n", result.err.c_str(), 0), 0)
+          << result.err;
     }
     EXPECT_EQ(result.code, result.err.empty() ? 0 : 1);
     EXPECT_TRUE(Read("pair.bin") == CalibrationBytes(fields)) << result.out;
@@ -107,6 +111,176 @@ TEST_F(ConvertTest, ImportTakesEveryFieldFromItsKey) {
                               1, 0, 0,   10,  20,  30, 0,   0, 640, 360, 512, 0, 320, 0, 500, 180, 0, 0, 1,
                               0, 1, 2,   7,   8,   3,  4,   5, 6,   1,   2,   7, 8,   3, 4,   5,   6, 0, 1});
   ExpectFailure(2, "calibration import words.json -o pair.bin --unit m", "--unit*words.json*translation_mm");
+}
+
+/// A camera of 640 x 480 in Kalibr's form, and the start of its distortion.
+std::string KalibrCamera(const std::string& name, const std::string& rest) {
+  return name + ":\n  camera_model: pinhole\n  intrinsics: [512, 500, 320.5, 240.25]\n  resolution: [640, 480]\n  " +
+         rest;
+}
+const char kRadtan[] = "distortion_model: radtan\n  distortion_coeffs: [0.5, -0.25, 0.125, -0.0625]\n  ";
+
+/// A camera of the raw JSON. The numbers of `parameters` are cx, cy, fx and fy in pixels, then k1 to k6, 0, 0, p2, p1.
+std::string RawCamera(const std::string& purpose, int width, int height, std::vector<double> parameters,
+                      const std::string& pose) {
+  for (size_t i = 0; i < 4; ++i) parameters[i] = (parameters[i] + (i < 2 ? 0.5 : 0)) / (i % 2 == 0 ? width : height);
+  return nlohmann::json{{"Purpose", "CALIBRATION_CameraPurpose" + purpose},
+                        {"SensorWidth", width},
+                        {"SensorHeight", height},
+                        {"Rt", nlohmann::json::parse(pose)},
+                        {"Intrinsics", {{"ModelType", "X_BrownConrady"}, {"ModelParameters", parameters}}}}
+      .dump();
+}
+
+TEST_F(ConvertTest, ImportsEveryFormat) {
+  // OpenCV with other names, without its first line, and with plain lists. A leading 0 is not octal.
+  Write(
+      "left.yml",
+      "camera_matrix_left: [[512, 0, 320.5], [0, 500, 240.25], [0, 0, 1]]\ndist_coeffs_left: [.5, -.25, .125, -.0625, "
+      ".75]\ncamera_matrix_right: [1000, 0, 960, 0, 1001, 540, 0, 0, 1]\ndistortion_coeffs_right: [1, 2, 3, 4]\n"
+      "image_size: [640, 480]\nrotation_matrix: [[0, -1, 0], [1, 0, 0], [0, 0, 1]]\ntranslation_vector: [010, 3, "
+      "+4.]\n");
+  const CalibrationFields left = Changed(fields_, {{22, {10}}, {27, {640, 480}}, {47, {1, 2, 3, 4, 0, 0, 0, 0}}});
+  ExpectImport("left.yml", left);
+  EXPECT_NE(Run("calibration import left.yml -o pair.bin").out.find("read as k1 k2 p1 p2; if they come from a fisheye"),
+            std::string::npos);
+  const auto single = [](double value) { return static_cast<float>(value); };
+  for (const auto& [unit, factor] : std::map<std::string, double>{{"um", 0.001}, {"cm", 10}, {"in", 25.4}}) {
+    ExpectImport("left.yml --unit " + unit,
+                 Changed(left, {{22, {single(10 * factor), single(3 * factor), single(4 * factor)}}}));
+  }
+
+  // A file per camera, the same from ROS, and the pose in a file or in options.
+  const std::string pose = " --translation=-25,3,4 --rotation ";
+  for (const bool isRos : {false, true}) {
+    const std::string model = isRos ? "distortion_model: plumb_bob\n" : "rotation: [1, 0, 0, 0, 1, 0, 0, 0, 1]\n";
+    Write("1.yaml",
+          model +
+              "image_width: 640\nimage_height: 480\ncamera_matrix: {rows: 3, cols: 3, data: [512, 0, 320.5, 0, "
+              "500, 240.25, 0, 0, 1]}\ndistortion_coefficients: {rows: 1, cols: 5, data: [.5, -.25, .125, "
+              "-.0625, .75]}\n");
+    Write("2.yaml", (isRos ? "distortion_model: rational_polynomial\n" : "") +
+                        std::string("width: 1920\nheight: 1080\nK: [1000, 0, 960, 0, 1001, 540, 0, 0, 1]\n"
+                                    "D: [1, 2, 3, 4, 5, 6, 7, 8]\n"));
+    Write("pose.yaml", "translation: {x: -0.25, y: 0.5, z: 1}\nrotation: {x: 0.5, y: 0.5, z: 0.5, w: 0.5}\n");
+    ExpectImport(std::string("1.yaml 2.yaml pose.yaml") + (isRos ? "" : " --unit m"),
+                 Changed(fields_, {{13, {0, 0, 1, 1, 0, 0, 0, 1, 0}}, {22, {-250, 500, 1000}}}));
+    ExpectFailure(1, "calibration import -o pair.bin 1.yaml 2.yaml", "no rotation*--translation X,Y,Z and --rotation");
+    ExpectFailure(1, "calibration import -o pair.bin 1.yaml pose.yaml", "1.yaml: has one camera");
+    ExpectFailure(2, "calibration import -o pair.bin 1.yaml 2.yaml pose.yaml" + pose + "0,0,0",
+                  "pose.yaml has the pose");
+  }
+  const CalibrationFields turned = Changed(fields_, {{13, {1, 0, 0, 0, -1, 0, 0, 0, -1}}});
+  ExpectImport("1.yaml 2.yaml" + pose + "0,-1,0,1,0,0,0,0,1", fields_);
+  ExpectImport("1.yaml 2.yaml" + pose + "0,0,0", Changed(fields_, {{13, {1, 0, 0, 0, 1}}}));
+  ExpectImport("1.yaml 2.yaml" + pose + "1,0,0,0 --quaternion-order xyzw", turned);
+  ExpectImport("1.yaml 2.yaml" + pose + "0,1,0,0 --quaternion-order wxyz", turned);
+  ExpectFailure(2, "calibration import -o pair.bin 1.yaml 2.yaml pose.yaml --unit mm", "--unit: pose.yaml: *is in m");
+  const std::string import = "calibration import -o pair.bin 1.yaml 2.yaml --translation 1,2,3";
+  ExpectFailure(2, import, "one needs the other");
+  ExpectFailure(2, import + " --rotation 1,0,0,0", "--quaternion-order");
+  ExpectFailure(2, import + " --rotation 1,0", "2 numbers");
+  ExpectFailure(2, import + " --rotation 1,0,x", "x is not a number");
+  ExpectFailure(2, import + " --rotation 1,0,0,1 --quaternion-order xyzw", "--rotation: is not a rotation*1.41");
+
+  // Kalibr, with the pose between the cameras and with those of both against an inertial sensor.
+  const CalibrationFields kalibr = Changed(fields_, {{22, {-250, 500, 1000}},
+                                                     {27, {640, 480, 512, 0, 320.5, 0, 500, 240.25}},
+                                                     {43, {0}},
+                                                     {47, {0, 0, 0, 0, 0, 0, 0, 0}}});
+  const std::string plain = "distortion_model: none\n  ";
+  Write("chain.yaml",
+        KalibrCamera("cam0", kRadtan) + "\n" +
+            KalibrCamera("cam1", plain + "T_cn_cnm1:\n  - [0, -1, 0, -0.25]\n  - [1, 0, 0, 0.5]\n  - [0, 0, "
+                                         "1, 1]\n  - [0, 0, 0, 1]\n"));
+  ExpectImport("chain.yaml", kalibr);
+  Write(
+      "imu.yaml",
+      KalibrCamera("cam0",
+                   kRadtan + std::string("T_cam_imu: [[0, 0, 1, 1], [1, 0, 0, 2], [0, 1, 0, 3], [0, 0, 0, 1]]\n")) +
+          KalibrCamera("cam1", plain + "T_cam_imu: [[-1, 0, 0, -2.25], [0, 0, 1, 1.5], [0, 1, 0, 4], [0, 0, 0, 1]]\n"));
+  ExpectImport("imu.yaml --format kalibr", kalibr);
+  ExpectFailure(1, "calibration import -o pair.bin imu.yaml --format ros",
+                "imu.yaml: --format: is not in the format ros");
+
+  // The raw JSON, whose Rt are those of both cameras in the device's frame.
+  Write("raw.json",
+        "{\"CalibrationInformation\": {\"Cameras\": [" +
+            RawCamera("PhotoVideo", 1920, 1440, {960, 720, 1000, 1001, 1, 2, 5, 6, 7, 8, 0, 0, 4, 3},
+                      R"({"Rotation": [-1, 0, 0, 0, 0, 1, 0, 1, 0], "Translation": [-2.25, 1.5, 4]})") +
+            "," +
+            RawCamera("Depth", 640, 480, {320.5, 240.25, 512, 500, 0.5, -0.25, 0.75, 0, 0, 0, 0, 0, -0.0625, 0.125},
+                      R"({"Rotation": [0, 0, 1, 1, 0, 0, 0, 1, 0], "Translation": [1, 2, 3]})") +
+            "]}}" + std::string(1, '\0'));
+  ExpectImport("raw.json --aux-window 0,180,1920,1080", Changed(fields_, {{22, {-250, 500, 1000}}}));
+  ExpectFailure(2, "calibration import -o pair.bin raw.json --aux-window 0,0,1920,1440",
+                "--aux-window*16:9*0,180,1920,1080");
+}
+
+TEST_F(ConvertTest, KnownButUnsuitableFilesAreRefusedByName) {
+  const std::string deep(101, '['),
+      raw = R"({"CalibrationInformation": {"Cameras": [{"Purpose": "Depth", "Intrinsics": )";
+  const struct {
+    std::string text;
+    const char* pattern;
+  } bad[] = {
+      {"{\"value0\": {\"T_imu_cam\": []}}", "recognised as a Basalt calibration, which is not supported*opencv"},
+      {"{\"cameraData\": []}", "recognised as*OAK"},
+      {KalibrCamera("cam0", "distortion_model: equidistant"), "cam0.distortion_model: *\"equidistant\"*rational"},
+      {"cam0: {intrinsics: [1], camera_model: omni}", "cam0.camera_model: *\"omni\""},
+      {"cam0: {intrinsics: [1], camera_model: else}", "cam0.camera_model: *\"else\" is not supported"},
+      {KalibrCamera("cam0", "distortion_model: else"), "cam0.distortion_model: *\"else\" is not supported"},
+      {KalibrCamera("cam0", kRadtan), "cam1.intrinsics: is missing"},
+      {"model_type: KANNALA_BRANDT\nK: [1]", "model_type: *KANNALA_BRANDT"},
+      {"a: [{lens_model: Double-Sphere}]", "Double-Sphere"},
+      {"fisheye: true\nM1: 1", "fisheye: the lens model is \"fisheye\""},
+      {"distortion_model: else\nK: [1, 0, 0, 0, 1, 0, 0, 0, 1]", "other: has one camera"},
+      {raw + "{\"ModelType\": \"Rational6KT\"}}]}}", "no camera has the purpose PhotoVideo"},
+      {"a: 1\nb: {c: 1, c: 2}", "c: appears twice"},
+      {"{\"a\": {\"c\": 1, \"c\": 2}}", "c: appears twice"},
+      {"<?xml version=\"1.0\"?><opencv_storage><a>1</a><a>2</a></opencv_storage>", "a: appears twice"},
+      {"a: &x 1\nb: *x", "line 2: *alias"},
+      {"a: " + deep, "deeper than 100"},
+      {"{\"a\": " + deep, "deeper than 100"},
+      {"<a>" + std::string(101, '<'), "deeper than 100"},
+      {"a:\n  - - - b\n - c", "line 3"},
+      {"{[1]: 2}", "a key that is not text"},
+      {"T: [1, 2, .inf]", "T: contains a number that is not finite"},
+      {"{\"T\": [1, 2, 1e999]}", "T: contains a number that is not finite"},
+  };
+  for (const auto& [text, pattern] : bad) {
+    SCOPED_TRACE(text);
+    Write("other", text);
+    ExpectFailure(1, "calibration import -o pair.bin other", pattern);
+  }
+}
+
+TEST_F(ConvertTest, ImportsRealFilesOfOtherPrograms) {
+  const std::string folder = std::string(ITOF_REALDATA) + "/stereo";
+  if (folder == "/stereo") GTEST_SKIP() << "ITOF_REALDATA is not set";
+  const std::map<std::string, size_t> first{{"tofCalibWidth", 2},   {"tofCalibHeight", 3}, {"tofIntrinsics", 4},
+                                            {"rotation", 13},       {"translation", 22},   {"auxCalibWidth", 27},
+                                            {"auxCalibHeight", 28}, {"auxIntrinsics", 29}, {"tofDistortion", 39},
+                                            {"auxDistortion", 47}};
+  std::ifstream file(folder + "/expected.json");
+  const auto folders = nlohmann::json::parse(file);
+  for (const auto& [name, expected] : folders.items()) {
+    SCOPED_TRACE(name);
+    std::filesystem::create_directory_symlink(folder + "/" + name, folder_ / name);
+    const std::string command = "calibration import -o pair.bin " + std::string(expected["options"]);
+    if (expected["fields"].is_null()) {
+      ExpectFailure(1, command, "recognised as*not supported");
+      continue;
+    }
+    CalibrationFields fields{};
+    fields[56] = 1;
+    for (const auto& [field, values] : expected["fields"].items()) {
+      size_t i = first.at(field);
+      for (const auto& value : values) fields.at(i++) = value.get<float>();
+    }
+    EXPECT_EQ(Run(command).code, 0);
+    EXPECT_TRUE(Read("pair.bin") == CalibrationBytes(fields));
+  }
 }
 
 TEST_F(ConvertTest, ImportsRealPairs) {

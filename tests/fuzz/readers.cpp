@@ -78,6 +78,16 @@ void (*const kReaders[])(const std::filesystem::path& path, std::span<const uint
       RecordOf(ReadStereoFiles({path, path}), Window{0, 60, 640, 360});
     },
     [](const auto& path, auto) { (void)ReadColourPicture(path); },
+    [](const auto& path, auto) {
+      // A file per camera, without a pose.
+      StereoPair pair = ReadStereoFiles({path, path}, {.format = {},
+                                                       .tofSize = {},
+                                                       .auxSize = {},
+                                                       .rotation = {{0.5, 0.5, 0.5, 0.5}, "--rotation", {}},
+                                                       .translation = {{1, 2, 3}, "--translation", {}}});
+      ConvertToMillimetres(pair, "in");
+      RecordOf(pair, std::nullopt, Window{0, 0, 640, 360});
+    },
 };
 
 }  // namespace

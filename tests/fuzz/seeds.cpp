@@ -142,6 +142,22 @@ void WriteAll(const fs::path& folder) {
     text[text.find(std::string("\"") + key) + 1] = 'X';
     Add(readers, '\2' + text);
   }
+  // Each of the other formats, and a mistake that its reader names.
+  const std::string matrix = "K: [500, 0, 320, 0, 500, 180, 0, 0, 1]\nD: [.1, .2, .3, .4]\nwidth: 640\nheight: 360\n",
+                    camera = "{intrinsics: [500, 500, 320, 180], resolution: [640, 360], distortion_model: none, ",
+                    transform = "[[1, 0, 0, 1], [0, 1, 0, 2], [0, 0, 1, 3], [0, 0, 0, 1]]}\n",
+                    raw = R"("Intrinsics": {"ModelType": "BrownConrady", "ModelParameters":
+                           [.5, .5, .8, 1.4, 1, 2, 3, 4, 5, 6, 0, 0, 7, 8]}, "SensorWidth": 640, "SensorHeight": 360,
+                           "Rt": {"Rotation": [1, 0, 0, 0, 1, 0, 0, 0, 1], "Translation": [0, 0, 0]}})";
+  for (const std::string& text :
+       {matrix, "distortion_model: plumb_bob\n" + matrix, "distortion_model: equidistant\n" + matrix,
+        "cam0: " + camera + "}\ncam1: " + camera + "T_cn_cnm1: " + transform,
+        "cam0: " + camera + "T_cam_imu: " + transform + "cam1: " + camera + "T_cam_imu: " + transform,
+        R"({"CalibrationInformation": {"Cameras": [{"Purpose": "Depth", )" + raw + R"(, {"Purpose": "PhotoVideo", )" +
+            raw + "]}}",
+        std::string(R"({"value0": {"T_imu_cam": []}})")}) {
+    for (const char reader : {'\2', '\11'}) Add(readers, reader + text);
+  }
   for (const std::string& sequence : CallSequences()) Add(folder / "calls", sequence);
   const cv::Mat words(360, 640, CV_16U, cv::Scalar(0x2345)), small(360, 640, CV_8U, cv::Scalar(5)),
       colours(18, 32, CV_8UC3, cv::Scalar(1, 2, 3));

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -33,7 +34,8 @@ struct ImportOptions {
   std::string output;
   std::string unit, format, quaternionOrder;                // empty if not given
   std::vector<int> tofSize, auxSize, tofWindow, auxWindow;  // like these
-  std::vector<double> rotation, translation;
+  std::string rotation;
+  std::vector<double> translation;
 };
 
 struct ExportOptions {
@@ -56,24 +58,33 @@ std::optional<Window> WindowOf(const std::vector<int>& window) {
 
 /// Returns rotation and translation as the options give them; a quaternion in the order x, y, z, w.
 std::pair<Quantity, Quantity> PoseOf(const ImportOptions& options) {
-  Quantity rotation{options.rotation, "--rotation", {}}, translation{options.translation, "--translation", {}};
+  Quantity rotation{{}, "--rotation", {}}, translation{options.translation, "--translation", {}};
   std::vector<double>& r = rotation.values;
-  if (r.empty() != translation.values.empty()) throw UsageError("--rotation and --translation: one needs the other");
+  if (options.rotation.empty() != translation.values.empty()) {
+    throw UsageError("--rotation and --translation: one needs the other");
+  }
+  if (options.rotation.empty()) return {};
+  std::istringstream list(options.rotation);
+  for (std::string number; std::getline(list, number, ',');) {
+    if (!CLI::detail::lexical_cast(number, r.emplace_back())) {
+      throw UsageError("--rotation: " + number + " is not a number");
+    }
+  }
   for (const Quantity* quantity : {&rotation, &translation}) {
     if (!std::ranges::all_of(quantity->values, [](double value) { return std::isfinite(value); })) {
       throw UsageError(quantity->key + ": contains a number that is not finite");
     }
   }
-  if (!r.empty() && r.size() != 3 && r.size() != 4 && r.size() != 9) {
+  if (r.size() != 3 && r.size() != 4 && r.size() != 9) {
     throw UsageError(
         Format("--rotation: has %zu numbers; expected 9 row by row, a rotation vector of 3 in radians, or a "
                "quaternion of 4",
                r.size()));
   }
   if ((r.size() == 4) == options.quaternionOrder.empty()) {
-    throw UsageError("--quaternion-order: xyzw or wxyz belongs to a --rotation of 4 numbers");
+    throw UsageError("--rotation of 4 numbers and --quaternion-order xyzw or wxyz: one needs the other");
   }
-  if (options.quaternionOrder == "wxyz") std::ranges::rotate(r, r.begin() + 1);
+  if (options.quaternionOrder == "wxyz") std::rotate(r.begin(), r.begin() + 1, r.end());
   return {rotation, translation};
 }
 
@@ -177,7 +188,9 @@ void AddImportCommand(CLI::App& calibration) {
                              const char* help) {
     std::string form;
     for (const std::string& each : names) form += (form.empty() ? "" : "|") + each;
-    command->add_option(name, choice, help)->type_name(form)->check(CLI::IsMember(names));
+    command->add_option(name, choice, help)
+        ->type_name(form)
+        ->check(CLI::Validator(CLI::IsMember(names)).description(""));
   };
   addChoice("--format", options->format, StereoFormatNames(), "Format of the files, if it is not to be recognised");
   addChoice("--unit", options->unit, UnitNames(),
@@ -197,9 +210,10 @@ void AddImportCommand(CLI::App& calibration) {
       ->check(DecimalFault);
   addNumbers("--translation", options->translation, "X,Y,Z", "Translation, if the files do not contain it")
       ->expected(3);
-  addNumbers("--rotation", options->rotation, "R,...",
-             "Rotation: 9 numbers row by row, a rotation vector of 3 in radians, or a quaternion of 4")
-      ->expected(3, 9);
+  command
+      ->add_option("--rotation", options->rotation,
+                   "Rotation: 9 numbers row by row, a rotation vector of 3 in radians, or a quaternion of 4")
+      ->type_name("R,R,...");
   addChoice("--quaternion-order", options->quaternionOrder, {"xyzw", "wxyz"}, "Order of a --rotation of 4 numbers");
   command->footer(StereoFormatsHelp() + "\n" + StereoKeysHelp());
   command->callback([options] { Import(*options); });

@@ -124,7 +124,7 @@ std::vector<double> RotationMatrix(const Quantity& place, const std::vector<doub
   if (values.size() == 4) {
     const double norm = std::hypot(std::hypot(values[0], values[1]), std::hypot(values[2], values[3]));
     if (std::abs(norm - 1) > kOrthonormal)
-      Fail(place, Format("is not a rotation: the quaternion's norm is %.3g", norm));
+      Fail(place, Format("is not a rotation: the quaternion's norm is %.6g", norm));
     const double x = values[0] / norm, y = values[1] / norm, z = values[2] / norm, w = values[3] / norm;
     return {1 - 2 * (y * y + z * z), 2 * (x * y - z * w),     2 * (x * z + y * w),
             2 * (x * y + z * w),     1 - 2 * (x * x + z * z), 2 * (y * z - x * w),
