@@ -245,6 +245,8 @@ TEST_F(ConvertTest, KnownButUnsuitableFilesAreRefusedByName) {
       {"<a>" + std::string(101, '<'), "deeper than 100"},
       {"a:\n  - - - b\n - c", "line 3"},
       {"{[1]: 2}", "a key that is not text"},
+      {"a: 1\n}", "line 2: "},
+      {"{a: 1}, b", "line 1: a stray bracket or comma"},
       {"T: [1, 2, .inf]", "T: contains a number that is not finite"},
       {"{\"T\": [1, 2, 1e999]}", "T: contains a number that is not finite"},
   };

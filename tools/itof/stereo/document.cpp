@@ -95,7 +95,11 @@ class YamlTree : public YAML::EventHandler {
   explicit YamlTree(const fs::path& path) : path_(path) {}
   Json root = Json::object();
 
-  void OnDocumentStart(const YAML::Mark&) override {}
+  void OnDocumentStart(const YAML::Mark& mark) override {
+    // In front of a stray comma, the parser finds empty documents without end.
+    if (mark.pos == start_) FailDamaged(path_, "line " + std::to_string(mark.line + 1) + ": a stray bracket or comma");
+    start_ = mark.pos;
+  }
   void OnDocumentEnd() override {}
   void OnNull(const YAML::Mark& mark, YAML::anchor_t) override { Add(mark, nullptr); }
   void OnAlias(const YAML::Mark& mark, YAML::anchor_t) override {
@@ -155,6 +159,7 @@ class YamlTree : public YAML::EventHandler {
 
   const fs::path& path_;
   std::vector<Container> open_;
+  int start_ = -1;  // of the document
 };
 
 Json ParseYaml(const fs::path& path, std::string text) {
