@@ -30,6 +30,7 @@ namespace {
 
 constexpr size_t kLargestFile = size_t{16} << 20;
 constexpr int kDeepest = 100;
+constexpr int kMostBrackets = 1000;  // far more than a calibration has, and too few to exhaust the stack
 
 [[noreturn]] void FailDeep(const fs::path& path) {
   Fail(path, "nests deeper than " + std::to_string(kDeepest) + " levels");
@@ -251,8 +252,12 @@ Json Parse(const fs::path& path, const std::string& text) {
     return ParseWithOpenCv(path, text);
   }
   RefuseDeepBrackets(path, text);
-  // OpenCV can write the entries of a matrix as base64.
-  if (text.find("$base64$") != std::string::npos) return ParseWithOpenCv(path, text);
+  // OpenCV can write the entries of a matrix as base64. Its parser is recursive, and quotes in the text could hide
+  // nesting from the count above, so all brackets count here.
+  if (text.find("$base64$") != std::string::npos) {
+    if (std::ranges::count_if(text, [](char c) { return c == '[' || c == '{'; }) > kMostBrackets) FailDeep(path);
+    return ParseWithOpenCv(path, text);
+  }
   if (text[first] == '{') {
     if (Json root = ParseJson(path, text); !root.is_null()) return root;
   }
