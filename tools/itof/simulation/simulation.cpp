@@ -8,7 +8,7 @@
 namespace itoftool::simulation {
 namespace {
 
-/// What the aux camera sees at a position of its picture; `position` is in world coordinates.
+/// The first surface that the aux camera sees at a position of its picture. `position` is in world coordinates.
 struct AuxSight {
   Hit hit;
   Vec3 position;

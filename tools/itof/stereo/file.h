@@ -10,7 +10,7 @@
 
 namespace itoftool {
 
-/// What the command line says about the pair, each empty if it does not say it.
+/// The parts of a pair that the command line gives. The others are empty.
 struct StereoOptions {
   std::string format;         // its name; recognised from the content if empty
   Quantity tofSize, auxSize;  // must not contradict the files
