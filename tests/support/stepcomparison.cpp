@@ -2,7 +2,9 @@
 #include "support/stepcomparison.h"
 
 #include <algorithm>
+#include <iomanip>
 #include <memory>
+#include <sstream>
 #include <utility>
 
 #include "alignment/approximatealignment.h"
@@ -32,8 +34,10 @@ class Output {
       const bool inside = i >= guard_ && i < guard_ + count_;
       const T expected = inside ? plain_[i] : kSentinel;
       if (SameBits(library_[i], expected) && SameBits(plain_[i], expected)) continue;
-      text = std::string(name) + ", entry " + std::to_string(static_cast<ptrdiff_t>(i - guard_)) + ": library " +
-             std::to_string(library_[i]) + ", plain form " + std::to_string(plain_[i]);
+      std::ostringstream line;
+      line << std::setprecision(17) << name << ", entry " << static_cast<ptrdiff_t>(i - guard_) << ": library "
+           << +library_[i] << ", plain form " << +plain_[i];
+      text = line.str();
     }
   }
 
