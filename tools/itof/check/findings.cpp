@@ -8,6 +8,13 @@
 #include "support/text.h"
 
 namespace itoftool {
+namespace {
+
+size_t Count(const Findings& findings, Severity severity) {
+  return static_cast<size_t>(std::ranges::count(findings, severity, &Finding::severity));
+}
+
+}  // namespace
 
 Findings CheckCalibration(std::span<const uint8_t> bytes) {
   Findings findings;
@@ -27,13 +34,27 @@ Findings CheckGeometry(const itof::CalibrationRecord& record) {
   return findings;
 }
 
-size_t CountErrors(const Findings& findings) {
-  return static_cast<size_t>(std::ranges::count(findings, Severity::kError, &Finding::severity));
+const char* SeverityName(Severity severity) {
+  switch (severity) {
+    case Severity::kNote:
+      return "note";
+    case Severity::kWarning:
+      return "warning";
+    default:
+      return "error";
+  }
 }
 
+size_t CountErrors(const Findings& findings) { return Count(findings, Severity::kError); }
+
 std::string CountText(const Findings& findings) {
-  const size_t errors = CountErrors(findings), warnings = findings.size() - errors;
-  return Format("%zu error%s, %zu warning%s", errors, errors == 1 ? "" : "s", warnings, warnings == 1 ? "" : "s");
+  const auto counted = [&](Severity severity) {
+    const size_t count = Count(findings, severity);
+    return Format("%zu %s%s", count, SeverityName(severity), count == 1 ? "" : "s");
+  };
+  const bool hasNotes = Count(findings, Severity::kNote) > 0;
+  return counted(Severity::kError) + ", " + counted(Severity::kWarning) +
+         (hasNotes ? ", " + counted(Severity::kNote) : "");
 }
 
 }  // namespace itoftool

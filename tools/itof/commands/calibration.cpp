@@ -1,18 +1,13 @@
-// Runs `itof calibration`: shows, checks and compares calibration files.
+// Runs `itof calibration`: shows and compares calibration files, and groups the commands for them.
 #include <cstdio>
 #include <memory>
 #include <string>
-#include <vector>
 
-#include "check/findings.h"
 #include "commands/commands.h"
 #include "commands/options.h"
 #include "files/calibrationfile.h"
-#include "files/files.h"
 #include "inspection/description.h"
 #include "inspection/difference.h"
-#include "support/errors.h"
-#include "support/text.h"
 
 namespace itoftool {
 namespace {
@@ -22,18 +17,6 @@ void Print(const std::string& text) { std::fputs(text.c_str(), stdout); }
 void Show(const std::string& path, bool json) {
   const CalibrationDescription description = DescribeCalibration(ReadCalibrationFile(path).record);
   Print(json ? DescriptionJson(description) : DescriptionText(description));
-}
-
-void Check(const std::string& path) {
-  const std::vector<Finding> findings = CheckCalibration(ReadFile(path));
-  for (const Finding& finding : findings) {
-    const char* severity = finding.severity == Severity::kError ? "error" : "warning";
-    Print(Format("%s [%s]\n", severity, finding.name.c_str()) + Wrap(finding.text, 2) +
-          Wrap("What to do: " + finding.advice, 2) + "\n");
-  }
-  const std::string summary = path + ": " + CountText(findings);
-  if (CountErrors(findings) > 0) throw DataError(summary);
-  Print(summary + "\n");
 }
 
 void Diff(const std::string& a, const std::string& b) {
@@ -62,17 +45,13 @@ void AddCalibrationCommands(CLI::App& app) {
   show->add_flag("--json", paths->json, "Prints the same as JSON");
   show->callback([paths] { Show(paths->a, paths->json); });
 
-  CLI::App* check =
-      group->add_subcommand("check", "Checks a calibration file for mistakes; exit code 1 if it finds an error");
-  addFile(check, "FILE", paths->a);
-  check->callback([paths] { Check(paths->a); });
-
   CLI::App* diff =
       group->add_subcommand("diff", "Shows which fields of two calibration files differ and how far pixels move");
   addFile(diff, "A", paths->a);
   addFile(diff, "B", paths->b);
   diff->callback([paths] { Diff(paths->a, paths->b); });
 
+  AddCheckCommand(*group);
   AddImportCommand(*group);
   AddExportCommand(*group);
 }

@@ -13,6 +13,7 @@ void AddSimulateCommand(CLI::App& app);
 void AddCalibrationCommands(CLI::App& app);
 void AddExplainCommand(CLI::App& app);
 // Subcommands of `calibration`.
+void AddCheckCommand(CLI::App& calibration);
 void AddImportCommand(CLI::App& calibration);
 void AddExportCommand(CLI::App& calibration);
 
