@@ -7,8 +7,11 @@
 #include <cmath>
 
 #include "calibration/calibrationrecord.h"
+#include "framesize.h"
 
 namespace itoftool {
+
+inline constexpr double kFrameAspect = static_cast<double>(itof::kFrameWidth) / itof::kFrameHeight;
 
 enum class WhichCamera { kTof, kAux };
 
@@ -23,6 +26,25 @@ struct CameraFields {
   double Fy() const { return matrix[4]; }
   double Cx() const { return matrix[2]; }
   double Cy() const { return matrix[5]; }
+
+  /// Whether the matrix is in fractions of the image size instead of pixels.
+  bool IsInFractions() const {
+    const bool areFractions = std::min(Cx(), Cy()) >= 0 && std::max(Cx(), Cy()) <= 1 && std::max(Fx(), Fy()) < 10;
+    return areFractions && std::min(width, height) > 10;
+  }
+  /// How far the principal point is right of and below the middle of the image, in pixels.
+  double RightOffset() const { return Cx() - (width - 1) / 2; }
+  double DownOffset() const { return Cy() - (height - 1) / 2; }
+  /// Whether the calibration image has the shape of the frame.
+  bool IsFrameShape() const { return std::abs(width / height / kFrameAspect - 1) <= 0.01; }
+  /// Ratio of the focal lengths fx and fy in the frame.
+  double FrameFocalRatio() const { return Fx() / Fy() * height * kFrameAspect / width; }
+  /// How far that ratio is from 1, the ratio of square pixels. For an image of another shape with square pixels, it is
+  /// how far the ratio in the image is from 1: such an image may really be squashed.
+  double FocalLengthsError() const {
+    const double inFrame = std::abs(FrameFocalRatio() - 1);
+    return IsFrameShape() ? inFrame : std::min(inFrame, std::abs(Fx() / Fy() - 1));
+  }
 };
 
 inline CameraFields ReadCamera(const itof::CalibrationRecord& record, WhichCamera which) {

@@ -39,7 +39,7 @@ bool IsOrdinary(float value) {
 bool CheckErased(Bytes bytes, Findings& findings) {
   const auto erased = std::ranges::count_if(bytes, [](uint8_t byte) { return byte == 0x00 || byte == 0xFF; });
   if (static_cast<double>(erased) < 0.9 * static_cast<double>(bytes.size())) return true;
-  findings.push_back({Severity::kError, "erased",
+  findings.push_back({Severity::kError, "erased", "",
                       Format("%td of the 228 bytes are 00 or FF: this is erased memory, not a calibration.", erased),
                       kReadAgain});
   return false;
@@ -65,7 +65,7 @@ bool CheckByteOrder(const itof::CalibrationRecord& record, const itof::Calibrati
   } else {
     text += count > 1 ? Format("; the same is true of %zu more field%s.", count - 1, count == 2 ? "" : "s") : ".";
   }
-  findings.push_back({Severity::kError, "byte-order", text, "Write all fields as little-endian floats."});
+  findings.push_back({Severity::kError, "byte-order", "", text, "Write all fields as little-endian floats."});
   return false;
 }
 
@@ -74,7 +74,7 @@ void CheckFields(const itof::CalibrationRecord& record, Findings& findings) {
     const float value = EntryValue(record, field, index);
     const char* cause = itof::EntryFault(field, index, value);
     if (cause == nullptr) return;
-    findings.push_back({Severity::kError, "field",
+    findings.push_back({Severity::kError, "field", "",
                         Format("%s at byte %zu: %.9g %s. itof_init refuses the file, and frames come back unchanged.",
                                itof::EntryName(field, index).c_str(), itof::EntryOffset(field, index),
                                static_cast<double>(value), cause),
@@ -87,12 +87,12 @@ void CheckFields(const itof::CalibrationRecord& record, Findings& findings) {
 std::optional<itof::CalibrationRecord> CheckFile(std::span<const uint8_t> bytes, Findings& findings) {
   constexpr size_t kSize = itof::kCalibrationRecordSize;
   if (bytes.size() < kSize) {
-    findings.push_back({Severity::kError, "size",
+    findings.push_back({Severity::kError, "size", "",
                         Format("The file holds %zu bytes; a calibration has 228.", bytes.size()), kReadAgain});
     return std::nullopt;
   }
   if (bytes.size() > kSize) {
-    findings.push_back({Severity::kWarning, "size",
+    findings.push_back({Severity::kWarning, "size", "",
                         Format("The file holds %zu bytes; everything after the first 228 is ignored.", bytes.size()),
                         "Check that the calibration is at the start of the file."});
   }

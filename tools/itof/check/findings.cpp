@@ -25,12 +25,14 @@ Findings CheckCalibration(std::span<const uint8_t> bytes) {
 
 Findings CheckGeometry(const itof::CalibrationRecord& record) {
   const CheckedPair checked(record);
+  // Views are meaningless with a matrix that is not a rotation or not in pixels.
+  const bool hasViews = checked.isRotation && checked.isInPixels;
   Findings findings;
-  const bool isRotation = CheckRotation(checked, findings);
-  const bool areInPixels = CheckMatrices(checked, findings);
-  if (isRotation && areInPixels) CheckLenses(checked, findings);
+  CheckRotation(checked, findings);
+  CheckMatrices(checked, findings);
+  if (hasViews) CheckLenses(checked, findings);
   CheckTranslation(checked, findings);
-  if (isRotation && areInPixels) CheckDirection(checked, findings);
+  if (hasViews) CheckDirection(checked, findings);
   return findings;
 }
 

@@ -32,6 +32,7 @@ struct OtherReading {
 struct Finding {
   Severity severity;
   std::string name;                         // of the kind of finding, e.g. "principal-point"
+  std::string camera;                       // "ToF" or "aux"; empty if it is about both, or about the pair
   std::string text;                         // what is wrong, with its effect in pixels where it can be measured
   std::string advice;                       // what to do
   std::vector<OtherReading> readings = {};  // also named in the text, the likeliest first

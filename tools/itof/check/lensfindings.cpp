@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <optional>
+#include <span>
 
 #include "check/camerafields.h"
 #include "check/checkedpair.h"
@@ -16,83 +16,66 @@ namespace {
 
 constexpr double kDegrees = 180 / std::numbers::pi;
 
-/// The largest distance of a ToF pixel's ray from the axis, on the plane z = 1; nothing if a corner has no ray.
-std::optional<double> TofRadius(const CheckedPair& checked) {
-  constexpr double kRight = itof::kFrameWidth - 1, kBottom = itof::kFrameHeight - 1;
-  const cv::Point2d corners[] = {{0, 0}, {kRight, 0}, {0, kBottom}, {kRight, kBottom}};
-  double radius = 0;
-  for (const cv::Point2d& ray : Rays(checked.pair.tof, corners)) {
-    if (std::isnan(ray.x)) return std::nullopt;
-    radius = std::max(radius, cv::norm(ray));
-  }
-  return radius;
-}
-
-/// The same for the aux camera's ideal positions, over the pixels that land.
-double AuxRadius(const CheckedPair& checked) {
-  const itof::CameraModel& aux = checked.tables.Context().auxModel;
-  double radius = 0;
-  for (const uint16_t code : kCompareDepths) {
-    for (const cv::Point& pixel : checked.pixels) {
-      const PixelTrace trace = checked.tables.Trace(pixel.x, pixel.y, code);
-      if (trace.fate != Fate::kLanded) continue;
-      radius = std::max(radius, std::hypot((trace.ideal.x - aux.cx) * aux.invFx, (trace.ideal.y - aux.cy) * aux.invFy));
-    }
-  }
-  return radius;
-}
-
-/// Returns false if the lens model is not valid as far as it is used, plus a margin. `used` is a radius on the plane
-/// z = 1, or nothing if some pixels have no ray.
-bool CheckReach(const char* name, const Camera& camera, std::optional<double> used, Findings& findings) {
-  constexpr double kMargin = 1.1;
-  const double reach = LensReach(camera.lens);
-  if (used && reach >= kMargin * *used) return true;
+/// Checks that a lens model is valid as far as it is used, plus a margin. `used` and `reach` are radii on the plane
+/// z = 1; `used` is not-a-number if some corners of the frame have no ray.
+void CheckReach(const CheckedPair& checked, const char* name, Flaw flaw, const Camera& camera, double used,
+                double reach, Findings& findings) {
+  if (!checked.flaws.Has(flaw)) return;
   std::string text = Format(
       "The lens model of the %s camera has no ray for some corners of the frame: its tangential terms fold the "
       "picture.",
       name);
   if (std::isfinite(reach)) {
     const double circle = std::abs(Distort(camera.lens, {reach, 0}).x * camera.fx);
-    text = Format(
-               "The lens model of the %s camera is valid up to %.1f degrees off its axis, %.0f pixels from the "
-               "principal point. There it folds back. ",
-               name, std::atan(reach) * kDegrees, circle) +
-           (used ? Format("Pixels are used up to %.1f degrees.", std::atan(*used) * kDegrees)
-                 : "Some corners of the frame lie farther out, where no ray arrives.");
+    // Where the denominator vanishes, the model throws points to infinity.
+    const bool folds = circle < 10 * itof::kFrameWidth;
+    text = Format("The lens model of the %s camera is valid up to %.1f degrees off its axis", name,
+                  std::atan(reach) * kDegrees) +
+           (folds ? Format(", %.0f pixels from the principal point. There it folds back. ", circle)
+                  : ", where its denominator vanishes. ") +
+           (std::isnan(used) ? "Some corners of the frame lie farther out, where no ray arrives."
+                             : Format("Pixels are used up to %.1f degrees.", std::atan(used) * kDegrees));
   }
-  findings.push_back({Severity::kError, "lens-range", text,
-                      "Calibrate with pictures that show the pattern in the corners, and use the rational model (eight "
-                      "coefficients) for wide lenses. Check that the coefficients are in the order k1 k2 p1 p2 k3 k4 "
-                      "k5 k6."});
-  return false;
+  const Alternatives others = checked.ReadingsWithout(flaw);
+  findings.push_back(
+      {Severity::kError, "lens-range", name, text + others.text,
+       "Check that fx and fy are for the image size in the file, and that the coefficients are in the order "
+       "k1 k2 p1 p2 k3 k4 k5 k6. If they are, calibrate with pictures that show the pattern in the "
+       "corners, and use the rational model (eight coefficients) for wide lenses.",
+       others.readings});
 }
 
-void CheckFieldOfView(const char* name, const Camera& camera, Findings& findings) {
+void CheckFieldOfView(const CheckedPair& checked, const char* name, Flaw flaw, const Camera& camera,
+                      Findings& findings) {
+  if (!checked.flaws.Has(flaw)) return;
   const double angle = MeasureFieldOfView(camera).horizontal;
-  if (!(angle < 20 || angle > 130)) return;
-  findings.push_back({Severity::kWarning, "field-of-view",
+  const Alternatives others = checked.ReadingsWithout(flaw);
+  findings.push_back({Severity::kWarning, "field-of-view", name,
                       Format("The %s camera sees %.1f degrees from the left edge to the right. Its fx is %.1f pixels "
                              "in a frame 640 pixels wide. One pixel in the middle covers %.3f degrees.",
-                             name, angle, camera.fx, std::atan(1 / camera.fx) * kDegrees),
-                      "Check that the matrix is in pixels, and that it was made for the image size in the file."});
+                             name, angle, camera.fx, std::atan(1 / camera.fx) * kDegrees) +
+                          others.text,
+                      "Check that the matrix is in pixels, and that it was made for the image size in the file.",
+                      others.readings});
 }
 
-void CheckTangential(const CheckedPair& checked, WhichCamera which, Findings& findings) {
-  constexpr double kLarge = 0.02, kNearZero = 0.01;
+void CheckTangential(const CheckedPair& checked, WhichCamera which, Flaw flaw, Findings& findings) {
+  if (!checked.flaws.Has(flaw)) return;
   const CameraFields written = ReadCamera(checked.record, which);
   const double p1 = written.lens[2], p2 = written.lens[3], k3 = written.lens[4];
-  if (std::max(std::abs(p1), std::abs(p2)) <= kLarge || std::abs(k3) >= kNearZero) return;
-  CameraFields other = written;
-  std::rotate(other.lens + 2, other.lens + 3, other.lens + 5);
-  findings.push_back(
-      {Severity::kWarning, "tangential",
-       Format(
-           "The %s lens has the tangential coefficients p1 %.4g and p2 %.4g, and a k3 of %.4g. Real lenses are centred "
-           "far better. In the order k1 k2 k3 p1 p2, k3 would be %.4g, p1 %.4g and p2 %.4g. ",
-           written.Name(), p1, p2, k3, p1, p2, k3) +
-           checked.Effect(WithCamera(checked.record, other)),
-       "Write the coefficients in OpenCV's order: k1 k2 p1 p2 k3 k4 k5 k6."});
+  std::string text = Format(
+      "The %s lens has the tangential coefficients p1 %.4g and p2 %.4g, and a k3 of %.4g. Real lenses are centred far "
+      "better. In the order k1 k2 k3 p1 p2, k3 would be %.4g, p1 %.4g and p2 %.4g.",
+      written.Name(), p1, p2, k3, p1, p2, k3);
+  const Alternatives others = checked.ReadingsWithout(flaw);
+  text += others.text;
+  if (std::ranges::all_of(std::span(written.lens).subspan<4>(), [](double k) { return k == 0; })) {
+    text += " The four coefficients may also be k1 to k4 of a fisheye calibration, a model that the file cannot hold.";
+  }
+  findings.push_back({Severity::kWarning, "tangential", written.Name(), text,
+                      "Write the coefficients in OpenCV's order: k1 k2 p1 p2 k3 k4 k5 k6. If they come from a fisheye "
+                      "calibration, calibrate with the rational model instead.",
+                      others.readings});
 }
 
 /// Checks that the library's three rounds of undistortion are enough for the ToF lens.
@@ -107,7 +90,7 @@ void CheckUndistortion(const CheckedPair& checked, Findings& findings) {
   const Spread spread = MeasureSpread(checked.pixels, library, exact);
   if (spread.maximum <= kVisible) return;
   findings.push_back(
-      {Severity::kWarning, "undistortion",
+      {Severity::kNote, "undistortion", "ToF",
        Format(
            "The library's three rounds of undistortion leave an error of up to %.2f pixels in the ToF image, at pixel "
            "(%d, %d). The median is %.2f, the 95th percentile %.2f.",
@@ -121,13 +104,14 @@ void CheckUndistortion(const CheckedPair& checked, Findings& findings) {
 
 void CheckLenses(const CheckedPair& checked, Findings& findings) {
   const auto& [tof, aux, rotation, translation] = checked.pair;
-  const bool isTofValid = CheckReach("ToF", tof, TofRadius(checked), findings);
-  CheckReach("aux", aux, AuxRadius(checked), findings);
-  CheckFieldOfView("ToF", tof, findings);
-  CheckFieldOfView("aux", aux, findings);
-  CheckTangential(checked, WhichCamera::kTof, findings);
-  CheckTangential(checked, WhichCamera::kAux, findings);
-  if (isTofValid) CheckUndistortion(checked, findings);
+  const Flaws& flaws = checked.flaws;
+  CheckReach(checked, "ToF", Flaw::kTofLensRange, tof, flaws.tofRadius, flaws.tofReach, findings);
+  CheckReach(checked, "aux", Flaw::kAuxLensRange, aux, flaws.auxRadius, flaws.auxReach, findings);
+  CheckFieldOfView(checked, "ToF", Flaw::kTofFieldOfView, tof, findings);
+  CheckFieldOfView(checked, "aux", Flaw::kAuxFieldOfView, aux, findings);
+  CheckTangential(checked, WhichCamera::kTof, Flaw::kTofTangential, findings);
+  CheckTangential(checked, WhichCamera::kAux, Flaw::kAuxTangential, findings);
+  if (!flaws.Has(Flaw::kTofLensRange)) CheckUndistortion(checked, findings);
 }
 
 }  // namespace itoftool
