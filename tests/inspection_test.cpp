@@ -156,6 +156,8 @@ TEST(CalibrationCheck, RefusesFilesWithoutAGeometry) {
   // All fields that the library refuses are named.
   ExpectFindings(CheckCalibration(Bytes(IdentityCalibration({{4, 0}, {28, -1}}))),
                  {{"error field", "error field"}, "auxCalibHeight at byte 112: -1 is below 1 pixel"});
+  ExpectFindings(CheckCalibration(Bytes(IdentityCalibration({{2, 1920}}))),
+                 {{"error field"}, "The aux image has that width: are the cameras exchanged?"});
 }
 
 TEST(CalibrationCheck, NamesOddGeometryAndLeavesTheRestAlone) {
@@ -185,10 +187,10 @@ TEST(CalibrationCheck, NamesOddGeometryAndLeavesTheRestAlone) {
       {{{7, 9}}, {{"warning matrix-form"}, "[512, 0, 320; 9, 512, 180; 0, 0, 1]"}},
       {{{29, 100}, {33, 100}}, {{"warning field-of-view"}, "sees 145.3 degrees"}},
       // Turned about x by 40 degrees: the views share nothing.
-      {{{17, c}, {18, -s}, {20, s}, {21, c}}, {{"error overlap"}, "As written, 0 % of the ToF pixels"}},
+      {{{17, c}, {18, -s}, {20, s}, {21, c}}, {{"error overlap"}, "As written, 0, 0 and 0 % of the ToF pixels"}},
       // The same with a ToF frame cut such that the aux camera sees it with the transposed rotation only.
       {{{9, 620}, {17, c}, {18, -s}, {20, s}, {21, c}},
-       {{"warning principal-point", "error overlap"}, "this fault: the rotation transposed (100 %"}},
+       {{"warning principal-point", "error overlap"}, "this fault: the rotation transposed (100, 100 and 100 % land;"}},
       // Coefficients as large as a real camera's, whose numerator and denominator cancel.
       {{{39, 5}, {40, 8}, {43, 3}, {44, 5}, {45, 8}, {46, 3}, {47, 7}, {52, 7}}, {}},
       {{{47, -0.6F}}, {{"error lens-range"}, "aux camera is valid up to 36.7 degrees off its axis, 254 pixels"}},

@@ -101,7 +101,7 @@ std::vector<Mistake> MakeMistakes() {
        "the aux matrix for the 4:3 image of which the frame is the middle",
        {"principal-point"}},
       {"extrinsics inverted", kMixedShift, Invert, "the pair inverted", {}},
-      {"rotation vector in degrees", kMixedShift, RotateByDegreesAsRadians, "the rotation vector in degrees", {}},
+      {"rotation vector in degrees", kShift, RotateByDegreesAsRadians, "the rotation vector in degrees", {}},
       {"translation in metres",
        kParallax,
        [](R& r) { ScaleTranslation(r, 0.001F); },

@@ -19,6 +19,11 @@ struct Candidate {
   std::vector<cv::Point2d> near, far;
 };
 
+std::string MovedText(const Spread& moved, size_t pixels) {
+  if (moved.count < pixels / 20) return "hardly any pixel lands with both";
+  return Format("moves positions at 1 m by a median of %.1f pixels and at most %.1f", moved.median, moved.maximum);
+}
+
 bool AreSame(std::span<const cv::Point> pixels, const Candidate& a, const Candidate& b) {
   constexpr double kSame = 2;  // pixels
   const Spread near = MeasureSpread(pixels, a.near, b.near), far = MeasureSpread(pixels, a.far, b.far);
@@ -60,10 +65,7 @@ Alternatives CheckedPair::ReadingsWithout(Flaw flaw,
     const Spread moved = MeasureSpread(pixels, AlignedPositions(tables, pixels, kEffectCode), candidate.far);
     alternatives.readings.push_back({each.reading->name, moved});
     texts.push_back(each.reading->name + " (" + (evidence ? evidence(each) + "; " : "") +
-                    (moved.count == 0 ? "no pixel lands with both"
-                                      : Format("moves positions at 1 m by a median of %.1f pixels and at most %.1f",
-                                               moved.median, moved.maximum)) +
-                    ")");
+                    MovedText(moved, pixels.size()) + ")");
     candidates.push_back(std::move(candidate));
     alternatives.areWeak &= each.reading->isWeak;
     if (candidates.size() == kMost) break;

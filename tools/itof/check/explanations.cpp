@@ -74,7 +74,7 @@ std::string TriedReadings(Flaw flaw) {
   std::vector<std::string> groups;
   for (const Reading& reading : Readings()) {
     const bool isNew = std::ranges::find(groups, reading.group) == groups.end();
-    if (isNew && DependsOn(flaw, reading.part)) groups.push_back(reading.group);
+    if (isNew && !reading.needsReference && DependsOn(flaw, reading.part)) groups.push_back(reading.group);
   }
   return Joined(groups);
 }

@@ -21,8 +21,7 @@ struct Explanation {
 };
 
 /// Tries all readings that could remove a flaw of `written`. A reading is an explanation if it removes more flaws than
-/// it adds, and makes none much worse. The largest gain comes first, then readings with which more pixels
-/// land.
+/// it adds, and makes none much worse. The largest gain comes first, then the readings with which most pixels land.
 std::vector<Explanation> Explain(const itof::CalibrationRecord& written, const Flaws& flaws);
 
 /// The groups of readings that could remove a flaw, for "tried without success".

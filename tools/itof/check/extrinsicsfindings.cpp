@@ -13,10 +13,10 @@
 namespace itoftool {
 namespace {
 
+/// E.g. "96, 98 and 99 %", the shares of ToF pixels that land at the compared depths.
 std::string SharesText(const Flaws& flaws) {
   const auto percent = [&](size_t depth) { return 100 * flaws.shares[depth]; };
-  return Format("%.0f %% of the ToF pixels land at 0.3 m, %.0f %% at 1 m, %.0f %% at 3 m", percent(0), percent(1),
-                percent(2));
+  return Format("%.0f, %.0f and %.0f %%", percent(0), percent(1), percent(2));
 }
 
 /// Reports that few pixels land, if another reading is clearly better or if it limits the alignment. Returns whether
@@ -24,8 +24,8 @@ std::string SharesText(const Flaws& flaws) {
 bool CheckOverlap(const CheckedPair& checked, Findings& findings) {
   constexpr double kLittle = 0.5, kHardlyAny = 0.25;
   const Flaws& flaws = checked.flaws;
-  const Alternatives others =
-      checked.ReadingsWithout(Flaw::kOverlap, [](const Explanation& other) { return SharesText(other.flaws); });
+  const Alternatives others = checked.ReadingsWithout(
+      Flaw::kOverlap, [](const Explanation& other) { return SharesText(other.flaws) + " land"; });
   const bool hasReading = !others.readings.empty();
   if (!hasReading && std::ranges::min(flaws.shares) >= kLittle) return false;
   Severity severity = hasReading && !others.areWeak ? Severity::kWarning : Severity::kNote;
@@ -33,7 +33,8 @@ bool CheckOverlap(const CheckedPair& checked, Findings& findings) {
   if (flaws.MeanShare() == 0) severity = Severity::kError;
   const std::string tried = " No other reading is clearly better; tried: " + TriedReadings(Flaw::kOverlap) + ".";
   findings.push_back({severity, "overlap", "",
-                      "As written, " + SharesText(flaws) + "." + (hasReading ? others.text : tried),
+                      "As written, " + SharesText(flaws) + " of the ToF pixels land at 0.3, 1 and 3 m." +
+                          (hasReading ? others.text : tried),
                       "If the cameras really point apart, or the aux camera sees far less, the file is correct. "
                       "Otherwise compare with the stereo calibration: a point X in the ToF camera's coordinates is at "
                       "R X + T in the aux camera's.",

@@ -6,6 +6,7 @@
 #include "calibration/calibrationcheck.h"
 #include "calibration/calibrationfields.h"
 #include "check/checkedpair.h"
+#include "framesize.h"
 #include "support/text.h"
 
 namespace itoftool {
@@ -74,10 +75,13 @@ void CheckFields(const itof::CalibrationRecord& record, Findings& findings) {
     const float value = EntryValue(record, field, index);
     const char* cause = itof::EntryFault(field, index, value);
     if (cause == nullptr) return;
+    const bool isExchanged =
+        field.kind == itof::FieldKind::kTofImageWidth && std::trunc(record.auxCalibWidth) == itof::kFrameWidth;
     findings.push_back({Severity::kError, "field", "",
                         Format("%s at byte %zu: %.9g %s. itof_init refuses the file, and frames come back unchanged.",
                                itof::EntryName(field, index).c_str(), itof::EntryOffset(field, index),
-                               static_cast<double>(value), cause),
+                               static_cast<double>(value), cause) +
+                            (isExchanged ? " The aux image has that width: are the cameras exchanged?" : ""),
                         "Have the calibration station write this field again. docs/calibration.md describes it."});
   });
 }
