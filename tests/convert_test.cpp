@@ -391,7 +391,7 @@ TEST_F(ConvertTest, FailuresPrintOneLineAndChangeNoFile) {
   Write("bad.yml", good);
   ExpectFailure(1, import + "--tof-size 640,360", "image_size_1: differs from --tof-size");
   ExpectFailure(1, import + "missing.yml", "missing.yml*No such file");
-  ExpectFailure(2, "calibration import bad.yml extrinsics.yml -o new/", "-o*new/*not a file name");
+  ExpectFailure(2, "calibration import bad.yml extrinsics.yml -o new/", "--output: *new/*not a file name");
   ExpectFailure(2, "calibration import bad.yml extrinsics.yml -o ./bad.yml", "bad.yml*-o*overwrite");
   ExpectFailure(2, "calibration", "calibration*import export");
   ExpectFailure(2, "calibration export pair.bin -o a.txt", "a.txt*.json");

@@ -132,7 +132,7 @@ TEST_F(ToolTest, SimulationsDependOnTheSeed) {
 
 TEST_F(ToolTest, EveryCommandReportsAFailedStandardOutput) {
   for (const std::string command :
-       {"--help", "--version", "align --help", "selftest", "calibration show good.bin",
+       {"--help", "--version", "--man", "--complete s", "align --help", "selftest", "calibration show good.bin",
         "calibration show --json good.bin", "calibration check good.bin", "calibration diff good.bin good.bin",
         "explain --calibration good.bin --at 1,1 --code 5"}) {
     const Result result = Run(command + " >/dev/full");
@@ -172,6 +172,26 @@ TEST_F(ToolTest, TakesPicturesAsTheyAreStored) {
     ASSERT_EQ(Run(std::string("$align frame.raw --aux ") + name).code, 0);
     EXPECT_TRUE(Read("out/frame.preview.png") == preview) << name;
   }
+}
+
+TEST_F(ToolTest, UnknownWordsAreNamedWithWhatTheyResemble) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"calibraton show good.bin", "\"itof calibraton\"; did you mean \"itof calibration\"[?]"},
+      {"calibration chek good.bin", "\"itof calibration chek\"; did you mean \"itof calibration check\"[?]"},
+      {"calibration exprot", "did you mean \"itof calibration export\"[?]"},
+      {"check good.bin", "\"itof check\"; it is \"itof calibration check\""},
+      {"improt e.json", "\"itof improt\"; did you mean \"itof calibration import\"[?]"},
+      {"calibration align frame.raw", "; it is \"itof align\""},
+      {"align --ratoi 2 frame.raw", "\"itof align\" has no option \"--ratoi\"; did you mean \"--ratio\"[?]"},
+      {"calibration import --qaternion-ordr=xyzw e.json",
+       "\"--qaternion-ordr\"; did you mean \"--quaternion-order\"[?]"},
+      {"$align --conf frame.raw", "\"--conf\"; did you mean \"--confidence\"[?]"},
+      {"$align -ratio 2 frame.raw", "\"-ratio\"; it is \"--ratio\""},
+      {"$align --frames 2 frame.raw", "\"itof align\" has no option \"--frames\"; see \"itof align --help\""},
+      {"zebra", "\"itof zebra\"; see \"itof --help\""},
+      {"''", "\"itof \"; see \"itof --help\""},
+      {"calibration show good.bin chek", "unexpected argument \"chek\" of \"itof calibration show\"; see"}};
+  for (const auto& [arguments, message] : cases) ExpectFailure(2, arguments, message);
 }
 
 // A test of its own, because the limit also keeps the tool from writing coverage counts.

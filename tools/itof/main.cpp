@@ -6,6 +6,8 @@
 #include <exception>
 #include <new>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "alignment/kernelbuild.h"
 #include "commands/commands.h"
@@ -31,7 +33,22 @@ void OpenStandardStreams() {
   }
 }
 
-/// Parses the command line and runs the command. Throws for every failure.
+/// Runs the command, or prints help. Throws for every failure.
+void RunCommand(CLI::App& app, int argc, char** argv) {
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success& help) {
+    app.exit(help);
+    return;
+  } catch (const CLI::ParseError&) {
+    // The parser reports a missing option before an unknown one, which may be the same option mistyped.
+    itoftool::RefuseUnknownWords(app);
+    throw;
+  }
+  itoftool::RequireSubcommand(app);
+}
+
+/// Parses the command line and does what it says. Throws for every failure.
 void Run(int argc, char** argv) {
   CLI::App app("Aligns depth frames of a time-of-flight camera with the view of a second camera.", "itof");
   app.set_version_flag("--version", std::string("itof " ITOF_VERSION ", " ITOF_BUILD_TYPE " build, ") +
@@ -40,19 +57,23 @@ void Run(int argc, char** argv) {
   app.require_subcommand(0, 1);
 #ifdef ITOF_HAS_HOST_COMMANDS
   itoftool::AddAlignCommand(app);
-  itoftool::AddSimulateCommand(app);
+  itoftool::AddSimulateCommand(app, argc > 0 ? argv[0] : app.get_name());
   itoftool::AddCalibrationCommands(app);
   itoftool::AddExplainCommand(app);
 #endif
   itoftool::AddSelfTestCommand(app);
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::Success& help) {
-    app.exit(help);
-    itoftool::FinishOutput();
-    return;
+  // Set last, because commands take over the footer that is set when they are added.
+  app.footer("Exit code: 0 on success, 1 if the data cannot be used, 2 if the arguments are wrong.");
+
+  // For the shell's completion script and the build. They are not in the help, since nobody types them.
+  const std::string_view hidden = argc > 1 ? argv[1] : "";
+  if (hidden == "--complete") {
+    itoftool::PrintCompletions(app, std::vector<std::string>(argv + 2, argv + argc));
+  } else if (hidden == "--man") {
+    itoftool::PrintManPage(app, ITOF_VERSION);
+  } else {
+    RunCommand(app, argc, argv);
   }
-  itoftool::RequireSubcommand(app);
   itoftool::FinishOutput();
 }
 

@@ -162,13 +162,9 @@ void AddAlignCommand(CLI::App& app) {
   auto options = std::make_shared<AlignOptions>();
   AddCalibrationOption(*command, options->calibration);
   AddRatioOption(*command, options->ratio);
-  command->add_option("--output", options->output, "Folder for the results; made if missing")
-      ->check(EmptyFault)
-      ->type_name("DIR")
-      ->capture_default_str();
-  command->add_option("--kind", options->kind, "Contents of .png inputs: words, or millimetres (the default)")
-      ->type_name("KIND")
-      ->check(CLI::IsMember({"words", "millimetres"}));
+  AddOutputOption(*command, options->output, "DIR", "Folder for the results; made if missing")->capture_default_str();
+  AddChoiceOption(*command, "--kind", options->kind, {"millimetres", "words"},
+                  "Contents of .png inputs; millimetres if not given");
   command
       ->add_option("--confidence", options->confidence,
                    "8-bit PNG of confidences 0..7 for a single input in millimetres; without it, 7")

@@ -92,8 +92,8 @@ std::pair<Quantity, Quantity> PoseOf(const ImportOptions& options) {
 void CheckOutput(const fs::path& output, const std::vector<std::string>& inputs) {
   const fs::path name = output.filename();
   if (name.empty() || name == "." || name == "..")
-    throw UsageError("-o: \"" + output.string() + "\" is not a file name");
-  RefuseToOverwrite({inputs.begin(), inputs.end()}, {output}, "-o");
+    throw UsageError("--output: \"" + output.string() + "\" is not a file name");
+  RefuseToOverwrite({inputs.begin(), inputs.end()}, {output}, "--output");
 }
 
 void WriteOutput(const fs::path& path, std::span<const uint8_t> bytes) {
@@ -180,21 +180,14 @@ void AddImportCommand(CLI::App& calibration) {
                    "camera is the ToF camera")
       ->required()
       ->type_name("");
-  command->add_option("-o,--output", options->output, "Calibration file to write")->required()->type_name("FILE");
+  AddOutputOption(*command, options->output, "FILE", "Calibration file to write")->required();
   const auto addNumbers = [&](const char* name, auto& numbers, const char* form, const char* help) {
-    return command->add_option(name, numbers, help)->delimiter(',')->type_name(form);
+    return command->add_option(name, numbers, help)->delimiter(',')->type_name(form)->option_text(form);
   };
-  const auto addChoice = [&](const char* name, std::string& choice, const std::vector<std::string>& names,
-                             const char* help) {
-    std::string form;
-    for (const std::string& each : names) form += (form.empty() ? "" : "|") + each;
-    command->add_option(name, choice, help)
-        ->type_name(form)
-        ->check(CLI::Validator(CLI::IsMember(names)).description(""));
-  };
-  addChoice("--format", options->format, StereoFormatNames(), "Format of the files, if it is not to be recognised");
-  addChoice("--unit", options->unit, UnitNames(),
-            "Unit of the translation if the files do not say it; mm if not given");
+  AddChoiceOption(*command, "--format", options->format, StereoFormatNames(),
+                  "Format of the files, if it is not to be recognised");
+  AddChoiceOption(*command, "--unit", options->unit, UnitNames(),
+                  "Unit of the translation if the files do not say it; mm if not given");
   addNumbers("--tof-size", options->tofSize, "W,H", "Image size of the ToF camera, if the files do not contain it")
       ->expected(2)
       ->check(DecimalFault);
@@ -214,7 +207,8 @@ void AddImportCommand(CLI::App& calibration) {
       ->add_option("--rotation", options->rotation,
                    "Rotation: 9 numbers row by row, a rotation vector of 3 in radians, or a quaternion of 4")
       ->type_name("R,R,...");
-  addChoice("--quaternion-order", options->quaternionOrder, {"xyzw", "wxyz"}, "Order of a --rotation of 4 numbers");
+  AddChoiceOption(*command, "--quaternion-order", options->quaternionOrder, {"xyzw", "wxyz"},
+                  "Order of a --rotation of 4 numbers");
   command->footer(StereoFormatsHelp() + "\n" + StereoKeysHelp());
   command->callback([options] { Import(*options); });
 }
@@ -224,9 +218,7 @@ void AddExportCommand(CLI::App& calibration) {
   CLI::App* command =
       calibration.add_subcommand("export", "Converts a calibration file to OpenCV's stereo calibration");
   command->add_option("FILE", options->input, kCalibrationFileHelp)->required()->type_name("");
-  command->add_option("-o,--output", options->output, "File to write: .yml, .yaml, .xml or .json")
-      ->required()
-      ->type_name("STEREO");
+  AddOutputOption(*command, options->output, "STEREO", "File to write: .yml, .yaml, .xml or .json")->required();
   command->callback([options] { Export(*options); });
 }
 

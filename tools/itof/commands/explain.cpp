@@ -110,11 +110,12 @@ void AddExplainCommand(CLI::App& app) {
       ->expected(2)
       ->delimiter(',')
       ->check(DecimalFault)
-      ->type_name("X,Y");
+      ->type_name("X,Y")
+      ->option_text("X,Y REQUIRED");
   command->add_option("--code", options->code, "Depth code of the pixel, 0 to 8191")
       ->required()
       ->check(DecimalFault)
-      ->check(CLI::Range(0, 8191))
+      ->check(CLI::Validator(CLI::Range(0, 8191)).description(""))
       ->type_name("C");
   AddRatioOption(*command, options->ratio);
   command->callback([options] { Explain(*options); });

@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <cfloat>
 #include <string>
+#include <vector>
 
 #include "support/errors.h"
 #include "support/text.h"
@@ -32,6 +33,22 @@ inline void AddRatioOption(CLI::App& command, double& ratio) {
   command.add_option("--ratio", ratio, "Scale of the ideal aux image; 1 is without zoom")
       ->type_name("R")
       ->capture_default_str();
+}
+
+/// Adds the option that names what a command writes. Every command that writes has it, under the same names.
+template <typename Path>
+CLI::Option* AddOutputOption(CLI::App& command, Path& path, const char* form, const char* help) {
+  return command.add_option("-o,--output", path, help)->check(EmptyFault)->type_name(form);
+}
+
+/// Adds an option with a few possible values. Help and completion show them as a|b|c.
+inline void AddChoiceOption(CLI::App& command, const char* name, std::string& choice,
+                            const std::vector<std::string>& choices, const char* help) {
+  std::string form;
+  for (const std::string& each : choices) form += (form.empty() ? "" : "|") + each;
+  command.add_option(name, choice, help)
+      ->type_name(form)
+      ->check(CLI::Validator(CLI::IsMember(choices)).description(""));
 }
 
 /// Throws UsageError unless `ratio` is above 0 and finite in single precision, which the library takes.

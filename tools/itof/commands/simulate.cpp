@@ -56,7 +56,16 @@ void CheckCalibrationToReplace(const std::filesystem::path& path, std::span<cons
   throw UsageError(path.string() + ": is another calibration, and --output would overwrite it");
 }
 
-void Simulate(const SimulateOptions& options) {
+/// Returns text that a shell reads as the one word `word`.
+std::string ShellWord(const std::string& word) {
+  constexpr char kPlain[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-./+,:@%";
+  if (!word.empty() && word.find_first_not_of(kPlain) == std::string::npos) return word;
+  std::string quoted = "'";
+  for (const char c : word) quoted += c == '\'' ? "'\\''" : std::string(1, c);
+  return quoted + "'";
+}
+
+void Simulate(const SimulateOptions& options, const std::string& program) {
   const simulation::Rig rig = simulation::GentleRig();
   const auto calibration = FileBytes<itof::CalibrationRecord>({&rig.record, 1});
   CheckCalibrationToReplace(options.output / kCalibrationName, calibration);
@@ -74,37 +83,36 @@ void Simulate(const SimulateOptions& options) {
   }
   output.Commit();
 
-  const auto path = [&](const std::string& name) { return (options.output / name).string(); };
-  const std::string first = path(FrameName(0));
+  const auto path = [&](const std::string& name) { return ShellWord((options.output / name).string()); };
   std::printf("%d frame%s in %s: calibration.bin, and for each frame\n", options.frames, options.frames == 1 ? "" : "s",
               options.output.c_str());
   std::printf("  NAME.words.raw  depth words of the ToF camera, to be aligned\n");
   std::printf("  NAME.aux.png    picture of the aux camera\n");
   std::printf("  NAME.truth.png  true depth at each cell of the aligned frame, millimetres\n");
-  std::printf("Align the first one:\n  itof align --calibration %s --aux %s.aux.png %s.words.raw\n",
-              path(kCalibrationName).c_str(), first.c_str(), first.c_str());
+  std::printf("Align the first one:\n  %s align --calibration %s --aux %s --output %s %s\n", ShellWord(program).c_str(),
+              path(kCalibrationName).c_str(), path(FrameName(0) + ".aux.png").c_str(), path("aligned").c_str(),
+              path(FrameName(0) + ".words.raw").c_str());
   FinishOutputAfterFiles();
 }
 
 }  // namespace
 
-void AddSimulateCommand(CLI::App& app) {
+void AddSimulateCommand(CLI::App& app, const std::string& program) {
   const auto options = std::make_shared<SimulateOptions>();
   CLI::App* command =
       app.add_subcommand("simulate", "Simulates a camera pair: calibration, depth frames, aux pictures and true depth");
-  command->add_option("--output", options->output, "Folder for the files; made if missing")
-      ->required()
-      ->check(EmptyFault)
-      ->type_name("DIR");
+  AddOutputOption(*command, options->output, "DIR", "Folder for the files; made if missing")->required();
   command->add_option("--frames", options->frames, "Number of frames, 1 to 1000")
+      ->type_name("N")
       ->check(DecimalFault)
-      ->check(CLI::Range(1, 1000))
+      ->check(CLI::Validator(CLI::Range(1, 1000)).description(""))
       ->capture_default_str();
   command->add_option("--seed", options->seed, "Seed of the ToF camera's noise")
+      ->type_name("N")
       ->check(DecimalFault)
       ->check(SeedFault)
       ->capture_default_str();
-  command->callback([options] { Simulate(*options); });
+  command->callback([options, program] { Simulate(*options, program); });
 }
 
 }  // namespace itoftool
