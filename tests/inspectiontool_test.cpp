@@ -108,7 +108,7 @@ TEST_F(InspectionToolTest, ReportSumsFatesOverAFrame) {
   const cv::Mat sheet = cv::imread(folder_ / "out/frame.fates.png");
   ASSERT_FALSE(sheet.empty());
   const auto colourAt = [&](int x, int y) { return sheet.at<cv::Vec3b>(34 + y, 14 + x); };
-  EXPECT_EQ(colourAt(5, 100), cv::Vec3b(70, 70, 235));  // lost: red
+  EXPECT_EQ(colourAt(5, 100), cv::Vec3b(255, 190, 80));  // outside the ideal grid: blue
   EXPECT_NE(colourAt(5, 100), colourAt(50, 100));
   EXPECT_NE(colourAt(59, 1), colourAt(50, 100));  // overwritten
 }

@@ -88,7 +88,9 @@ void Simulate(const SimulateOptions& options, const std::string& program) {
               options.output.c_str());
   std::printf("  NAME.words.raw  depth words of the ToF camera, to be aligned\n");
   std::printf("  NAME.aux.png    picture of the aux camera\n");
-  std::printf("  NAME.truth.png  true depth at each cell of the aligned frame, millimetres\n");
+  std::printf(
+      "  NAME.truth.png  true depth at each cell of the aligned frame in millimetres, 16 bits; viewers show it nearly "
+      "black\n");
   std::printf("Align the first one:\n  %s align --calibration %s --aux %s --output %s %s\n", ShellWord(program).c_str(),
               path(kCalibrationName).c_str(), path(FrameName(0) + ".aux.png").c_str(), path("aligned").c_str(),
               path(FrameName(0) + ".words.raw").c_str());

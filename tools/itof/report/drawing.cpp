@@ -7,7 +7,7 @@
 namespace itoftool {
 namespace {
 
-constexpr int kTextHeight = 12;
+constexpr int kTextHeight = 14;
 
 }  // namespace
 

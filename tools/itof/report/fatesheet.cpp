@@ -10,12 +10,13 @@
 namespace itoftool {
 namespace {
 
-constexpr int kLineHeight = 22;
+constexpr int kLineHeight = 24;
 constexpr int kSwatchWidth = 40, kSwatchHeight = 14;
-constexpr int kCountWidth = 80;
+constexpr int kCountWidth = 90;
 
-/// Blue, green, red, in the order of the fates.
-const cv::Vec3b kColours[] = {{104, 92, 70}, {}, {50, 130, 185}, {70, 70, 235}, {220, 80, 220}, {90, 230, 240}};
+/// Blue, green, red, in the order of the fates. They differ in brightness or between blue and yellow, which almost every
+/// reader can tell apart.
+const cv::Vec3b kColours[] = {{104, 92, 70}, {}, {50, 130, 185}, {255, 190, 80}, {255, 255, 255}, {70, 230, 240}};
 static_assert(std::size(kColours) == std::size(kFateNames));
 
 }  // namespace

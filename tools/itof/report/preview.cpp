@@ -1,69 +1,20 @@
-// Draws the preview. Near is warm and far is cold. Pixels without depth are hatched grey, a colour outside the depth
-// scale.
+// Draws the preview. Pixels without depth are hatched grey, a colour outside the depth scale.
 #include "report/preview.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <opencv2/imgproc.hpp>
-#include <vector>
 
+#include "report/colourscale.h"
 #include "report/drawing.h"
+#include "report/overlay.h"
 
 namespace itoftool {
 namespace {
 
 constexpr int kLegendHeight = 74;
 const cv::Scalar kWarning(60, 190, 255);
-
-/// Maps depth codes between two limits to colours; codes beyond a limit get its colour.
-class ColourScale {
- public:
-  /// Leaves out 1 % of the pixels with depth at each end, so a few stray pixels do not compress the scale of the rest.
-  explicit ColourScale(const cv::Mat& codes) {
-    std::vector<uint16_t> sorted;
-    std::copy_if(codes.begin<uint16_t>(), codes.end<uint16_t>(), std::back_inserter(sorted),
-                 [](uint16_t code) { return code != 0; });
-    std::ranges::sort(sorted);
-    if (!sorted.empty()) {
-      near_ = sorted[sorted.size() / 100];
-      far_ = sorted[sorted.size() - 1 - sorted.size() / 100];
-    }
-    far_ = std::max(far_, near_ + 16);  // one step of the output
-    cv::Mat ramp(1, kShades, CV_8U);
-    // The ends of the colour map are nearly black and are left out.
-    for (int i = 0; i < kShades; ++i) ramp.at<uint8_t>(i) = static_cast<uint8_t>(240 - i * 220 / kShades);
-    cv::applyColorMap(ramp, shades_, cv::COLORMAP_TURBO);
-  }
-
-  int Near() const { return near_; }
-  int Far() const { return far_; }
-  cv::Vec3b operator()(int code) const {
-    const int shade = (code - near_) * kShades / (far_ - near_);
-    return shades_.at<cv::Vec3b>(std::clamp(shade, 0, kShades - 1));
-  }
-
- private:
-  // With few shades, sensor noise hardly changes colours, and the PNG file stays small.
-  static constexpr int kShades = 20;
-  int near_ = 0;
-  int far_ = 0;
-  cv::Mat shades_;
-};
-
-/// Blends the colours of `codes`, where there is depth, over `background` with `opacity` (0..1).
-cv::Mat Colourise(const cv::Mat& codes, const ColourScale& scale, const cv::Mat& background, float opacity) {
-  cv::Mat picture = background.clone();
-  for (int y = 0; y < codes.rows; ++y) {
-    for (int x = 0; x < codes.cols; ++x) {
-      const uint16_t code = codes.at<uint16_t>(y, x);
-      if (code == 0) continue;
-      auto& pixel = picture.at<cv::Vec3b>(y, x);
-      pixel = cv::Vec3f(scale(code)) * opacity + cv::Vec3f(pixel) * (1 - opacity);
-    }
-  }
-  return picture;
-}
 
 /// Rounds the colours to fewer levels, which is hardly visible and halves the size of the file.
 cv::Mat Coarsen(const cv::Mat& picture) {
@@ -109,16 +60,16 @@ cv::Mat DrawPreview(const cv::Mat& input, const cv::Mat& aligned, const cv::Mat&
   const int legendTop = panelRows * (input.rows + kTitleHeight) + kMargin;
   cv::Mat sheet(legendTop + kLegendHeight, width, CV_8UC3, kPaper);
 
-  DrawPanel(sheet, 0, 0, "Input depth, ToF view", Colourise(input, scale, hatch, 1));
-  DrawPanel(sheet, 1, 0, "Aligned depth, aux view", Colourise(aligned, scale, hatch, 1));
   if (!aux.empty()) {
-    DrawPanel(sheet, 0, 1, "Aux picture", aux);
-    DrawPanel(sheet, 1, 1, "Aligned depth over the aux picture", Colourise(aligned, scale, aux, 0.6F));
+    DrawPanel(sheet, 0, 0, "Before: input depth and its edges over the aux picture", Overlay(input, scale, aux));
+    DrawPanel(sheet, 1, 0, "After: aligned depth and its edges over the aux picture", Overlay(aligned, scale, aux));
   }
+  DrawPanel(sheet, 0, panelRows - 1, "Input depth, ToF view", Colourise(input, scale, hatch, 1));
+  DrawPanel(sheet, 1, panelRows - 1, "Aligned depth, aux view", Colourise(aligned, scale, hatch, 1));
 
   constexpr int kBarTop = 2;
   const int textMiddle = legendTop + kBarTop + 7;
-  int x = DrawText(sheet, "depth, codes", kMargin, textMiddle) + kMargin;
+  int x = DrawText(sheet, "depth, codes (usually mm)", kMargin, textMiddle) + kMargin;
   const std::string noDepth = "no depth";
   const int swatchLeft = width - kMargin - TextWidth(noDepth) - 50;
   DrawColourBar(sheet, scale, x + kMargin, swatchLeft - 3 * kMargin, legendTop + kBarTop);

@@ -78,7 +78,11 @@ void PrintSummary(const std::vector<FrameReport>& frames, const std::filesystem:
     if (frame.aboveRange > 0) std::printf("  %s: %zu\n", frame.input.c_str(), frame.aboveRange);
   }
   PrintFates(frames);
-  std::printf("written to                  %s\n", directory.c_str());
+  std::printf("written to                  %s: alignment.json, and for each frame\n", directory.c_str());
+  std::printf("  NAME.aligned.raw  aligned words\n");
+  std::printf("  NAME.aligned.png  aligned depth in codes, 16 bits; viewers show it nearly black\n");
+  std::printf("  NAME.preview.png  picture to look at\n");
+  if (frames.front().fates) std::printf("  NAME.fates.png    outcome of each depth pixel\n");
 }
 
 }  // namespace itoftool
