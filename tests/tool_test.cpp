@@ -178,7 +178,7 @@ TEST_F(ToolTest, UnknownWordsAreNamedWithWhatTheyResemble) {
   const std::pair<const char*, const char*> cases[] = {
       {"calibraton show good.bin", "\"itof calibraton\"; did you mean \"itof calibration\"[?]"},
       {"calibration chek good.bin", "\"itof calibration chek\"; did you mean \"itof calibration check\"[?]"},
-      {"calibration exprot", "did you mean \"itof calibration export\"[?]"},
+      {"calibration shwo good.bin", "did you mean \"itof calibration show\"[?]"},
       {"check good.bin", "\"itof check\"; it is \"itof calibration check\""},
       {"improt e.json", "\"itof improt\"; did you mean \"itof calibration import\"[?]"},
       {"calibration align frame.raw", "; it is \"itof align\""},

@@ -56,8 +56,9 @@ void CheckCalibrationToReplace(const std::filesystem::path& path, std::span<cons
   throw UsageError(path.string() + ": is another calibration, and --output would overwrite it");
 }
 
-/// Returns text that a shell reads as the one word `word`.
+/// Returns text that a shell reads as the one word `word`, and the tool as a path.
 std::string ShellWord(const std::string& word) {
+  if (word.starts_with('-')) return ShellWord("./" + word);
   constexpr char kPlain[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-./+,:@%";
   if (!word.empty() && word.find_first_not_of(kPlain) == std::string::npos) return word;
   std::string quoted = "'";
