@@ -2,11 +2,13 @@
 // check that did the same would share their error and miss it.
 #include "camera/lens.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <numbers>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace itoftool {
 namespace {
@@ -47,6 +49,17 @@ bool IsValidAt(const Lens& lens, double radius) {
   return denominator > kNearZero && growth > 0;
 }
 
+/// Radii on the plane z = 1 from 0 to 89 degrees off the axis, a hundredth of a degree apart. The model is valid at the
+/// first. Tangents take longer than the models that are tried at them, so they are computed once.
+const std::vector<double>& SampledRadii() {
+  static const std::vector<double> radii = [] {
+    std::vector<double> tangents;
+    for (int step = 0; step <= 8900; ++step) tangents.push_back(std::tan(step * (std::numbers::pi / 180 / 100)));
+    return tangents;
+  }();
+  return radii;
+}
+
 }  // namespace
 
 Point2 Distort(const Lens& lens, Point2 ideal) { return Evaluate(lens, ideal).position; }
@@ -70,12 +83,10 @@ std::optional<Point2> Undistort(const Lens& lens, Point2 distorted) {
 }
 
 double LensReach(const Lens& lens) {
-  constexpr int kSteps = 8900;
-  const auto radius = [](int step) { return std::tan(step * (std::numbers::pi / 180 / 100)); };
-  int step = 1;
-  while (step <= kSteps && IsValidAt(lens, radius(step))) ++step;
-  if (step > kSteps) return std::numeric_limits<double>::infinity();
-  double low = radius(step - 1), high = radius(step);
+  const std::vector<double>& radii = SampledRadii();
+  const auto invalid = std::ranges::find_if_not(radii, [&](double radius) { return IsValidAt(lens, radius); });
+  if (invalid == radii.end()) return std::numeric_limits<double>::infinity();
+  double low = invalid[-1], high = invalid[0];
   for (int round = 0; round < 40; ++round) {
     const double middle = (low + high) / 2;
     (IsValidAt(lens, middle) ? low : high) = middle;

@@ -23,7 +23,10 @@ Camera MakeCamera(const itof::CameraModel& model) {
 }
 
 CameraPair MakeCameraPair(const itof::CalibrationRecord& record) {
-  const itof::AlignmentContext context = MakeWorkingContext(record);
+  return MakeCameraPair(record, MakeWorkingContext(record));
+}
+
+CameraPair MakeCameraPair(const itof::CalibrationRecord& record, const itof::AlignmentContext& context) {
   const auto entry = [&](int i) { return static_cast<double>(record.translation[i]); };
   return {.tof = MakeCamera(context.tofModel),
           .aux = MakeCamera(context.auxModel),

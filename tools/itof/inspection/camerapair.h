@@ -29,6 +29,8 @@ struct CameraPair {
 };
 
 CameraPair MakeCameraPair(const itof::CalibrationRecord& record);
+/// The same for a record whose working context exists, e.g. that of its RunTables. Most of the time goes into a context.
+CameraPair MakeCameraPair(const itof::CalibrationRecord& record, const itof::AlignmentContext& context);
 
 /// The middle pixel of each block of step x step pixels of the ToF frame, row by row.
 std::vector<cv::Point> TofPixels(int step);

@@ -58,8 +58,10 @@ Approximation MeasureApproximation(const CameraPair& pair, const RunTables& tabl
   return result;
 }
 
-double Overlap(const CameraPair& pair, double depth) {
-  const auto positions = AuxPositions(pair, Rays(pair.tof, TofPixels(8)), depth);
+double Overlap(const CameraPair& pair, double depth) { return Overlap(pair, Rays(pair.tof, TofPixels(8)), depth); }
+
+double Overlap(const CameraPair& pair, std::span<const cv::Point2d> tofRays, double depth) {
+  const auto positions = AuxPositions(pair, tofRays, depth);
   return static_cast<double>(std::ranges::count_if(positions, InFrame)) / static_cast<double>(positions.size());
 }
 

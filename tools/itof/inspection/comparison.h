@@ -40,6 +40,8 @@ Approximation MeasureApproximation(const CameraPair& pair, const RunTables& tabl
 
 /// The share (0..1) of ToF pixels that the aux camera sees in its frame at a depth. Samples one pixel of each 8 x 8.
 double Overlap(const CameraPair& pair, double depth);
+/// The same for given rays of the ToF camera. Pairs that differ in the extrinsics or the aux camera only share them.
+double Overlap(const CameraPair& pair, std::span<const cv::Point2d> tofRays, double depth);
 
 }  // namespace itoftool
 

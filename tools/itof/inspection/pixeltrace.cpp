@@ -43,21 +43,24 @@ std::vector<bool> FindWritten(float* mapX, float* mapY, const Fill& fill) {
 }
 
 /// Writes the undistorted position of every ToF pixel to `x` and `y`. The library undistorts inside the far-plane step;
-/// with an aux camera that has the place and the matrix of the ToF camera, that step gives just these positions.
-void FillUndistorted(itof::AlignmentContext own, std::vector<float>& x, std::vector<float>& y) {
-  const double* k = own.params.tofIntrinsics;
+/// with an aux camera that has the place and the matrix of the ToF camera, that step gives just these positions. The
+/// parameters are exchanged for the step only: a second context would cost more than the step.
+void FillUndistorted(itof::AlignmentContext& context, std::vector<float>& x, std::vector<float>& y) {
+  const itof::AlignmentParams written = context.params;
+  const double* k = written.tofIntrinsics;
   const double pinhole[9] = {k[0], 0, k[2], 0, k[4], k[5], 0, 0, 1};
-  std::ranges::copy(pinhole, own.params.auxIntrinsics);
-  std::ranges::copy(cv::Matx33d::eye().val, own.params.rotation);
-  std::ranges::fill(own.params.translation, 0.0);
-  itof::AlignmentFarPlane(own, x.data(), y.data(), 1, 1);
+  std::ranges::copy(pinhole, context.params.auxIntrinsics);
+  std::ranges::copy(cv::Matx33d::eye().val, context.params.rotation);
+  std::ranges::fill(context.params.translation, 0.0);
+  itof::AlignmentFarPlane(context, x.data(), y.data(), 1, 1);
+  context.params = written;
 }
 
 }  // namespace
 
 RunTables::RunTables(const itof::CalibrationRecord& record, float ratio)
     : context_(MakeWorkingContext(record)), undistortedX_(kPixels), undistortedY_(kPixels) {
-  FillUndistorted(MakeWorkingContext(record), undistortedX_, undistortedY_);
+  FillUndistorted(context_, undistortedX_, undistortedY_);
   float* const farX = context_.farPlaneMapX.get();
   float* const farY = context_.farPlaneMapY.get();
   const auto scale = static_cast<double>(ratio);
