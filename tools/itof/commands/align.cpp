@@ -1,6 +1,7 @@
 // Runs `itof align`: reads depth frames, aligns them with the library as a host does, and writes words, pictures and
 // alignment.json.
 #include <cstdint>
+#include <cstdio>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -25,6 +26,7 @@
 #include "report/summary.h"
 #include "support/errors.h"
 #include "support/print.h"
+#include "support/progress.h"
 
 namespace itoftool {
 namespace fs = std::filesystem;
@@ -41,6 +43,7 @@ struct AlignOptions {
   std::vector<std::string> aux;
   bool log = false;
   bool report = false;
+  bool json = false;
   std::vector<std::string> inputs;
 };
 
@@ -140,7 +143,7 @@ void RunAlign(const AlignOptions& options) {
   std::vector<FrameReport> reports;
   cv::Mat aux;
   {
-    Progress progress(jobs.size(), options.log);
+    Progress progress(jobs.size(), "frames", options.log);
     for (size_t i = 0; i < jobs.size(); ++i) {
       if (i < options.aux.size()) aux = ReadColourPicture(options.aux[i]);
       DepthFrame frame = ReadDepthFrame(jobs[i].input, jobs[i].format, options.confidence);
@@ -151,7 +154,11 @@ void RunAlign(const AlignOptions& options) {
   const std::string json = AlignmentJson(calibration, ratio, reports);
   output.Write(kJsonName, FileBytes<char>(json));
   output.Commit();
-  PrintSummary(reports, options.output);
+  if (options.json) {
+    std::fputs(json.c_str(), stdout);
+  } else {
+    PrintSummary(reports, options.output);
+  }
   FinishOutputAfterFiles();
 }
 
@@ -175,7 +182,8 @@ void AddAlignCommand(CLI::App& app) {
       ->allow_extra_args(false);
   command->add_flag("--report", options->report,
                     "Reports what happened to the depth pixels, and draws it as NAME.fates.png");
-  command->add_flag("--log", options->log, "Shows the lines that the library prints and logs");
+  CLI::Option* log = command->add_flag("--log", options->log, "Shows the lines that the library prints and logs");
+  command->add_flag("--json", options->json, "Prints alignment.json in place of the summary")->excludes(log);
   command
       ->add_option("INPUT", options->inputs,
                    "Depth frames of 640 x 360: .raw (little-endian depth words) or .png (16-bit)")

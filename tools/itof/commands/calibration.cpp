@@ -19,8 +19,10 @@ void Show(const std::string& path, bool json) {
   Print(json ? DescriptionJson(description) : DescriptionText(description));
 }
 
-void Diff(const std::string& a, const std::string& b) {
-  Print(DifferenceText(ReadCalibrationFile(a).record, ReadCalibrationFile(b).record));
+void Diff(const std::string& a, const std::string& b, bool json) {
+  const itof::CalibrationRecord recordA = ReadCalibrationFile(a).record;
+  const CalibrationDifference difference = CompareCalibrations(recordA, ReadCalibrationFile(b).record);
+  Print(json ? DifferenceJson(difference) : DifferenceText(difference));
 }
 
 struct Paths {
@@ -42,14 +44,15 @@ void AddCalibrationCommands(CLI::App& app) {
   CLI::App* show =
       group->add_subcommand("show", "Shows the contents of a calibration file and where pixels land with it");
   addFile(show, "FILE", paths->a);
-  show->add_flag("--json", paths->json, "Prints the same as JSON");
+  show->add_flag("--json", paths->json, kJsonHelp);
   show->callback([paths] { Show(paths->a, paths->json); });
 
   CLI::App* diff =
       group->add_subcommand("diff", "Shows which fields of two calibration files differ and how far pixels move");
   addFile(diff, "A", paths->a);
   addFile(diff, "B", paths->b);
-  diff->callback([paths] { Diff(paths->a, paths->b); });
+  diff->add_flag("--json", paths->json, kJsonHelp);
+  diff->callback([paths] { Diff(paths->a, paths->b, paths->json); });
 
   AddCheckCommand(*group);
   AddImportCommand(*group);

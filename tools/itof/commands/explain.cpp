@@ -9,6 +9,7 @@
 #include "files/calibrationfile.h"
 #include "framesize.h"
 #include "inspection/camerapair.h"
+#include "inspection/jsonvalues.h"
 #include "inspection/pixeltrace.h"
 #include "support/errors.h"
 #include "support/text.h"
@@ -21,6 +22,7 @@ struct ExplainOptions {
   std::vector<int> at;
   uint16_t code = 0;
   double ratio = 1;
+  bool json = false;
 };
 
 void Line(const char* stage, const std::string& value, const std::string& note) {
@@ -51,11 +53,10 @@ void PrintTarget(const PixelTrace& trace) {
   }
 }
 
-void PrintPixelWithoutDepth(const RunTables& tables) {
+void PrintPixelWithoutDepth(const PixelTrace& start) {
   std::printf(
       "It goes to the target of the last pixel with depth, and leaves only its confidence there.\n"
       "Before the first pixel with depth in a frame:\n");
-  const PixelTrace start = tables.TraceStart();
   Line("ideal position", PositionText(start.ideal), "at the start of every frame");
   PrintTarget(start);
 }
@@ -69,12 +70,38 @@ void PrintStages(const PixelTrace& trace) {
   PrintTarget(trace);
 }
 
+/// How far the middle of the pixel's target is from its exact projection, in pixels.
+double OffBy(const PixelTrace& trace, cv::Point2d exact) {
+  return cv::norm(cv::Point2d(trace.target) + cv::Point2d(0.5, 0.5) - exact);
+}
+
 void PrintExactProjection(const PixelTrace& trace, cv::Point2d exact) {
   const bool seen = !IsNowhere(exact);
   Line("exact projection", seen ? PositionText(exact) : "not seen", "real aux picture, for comparison");
   if (trace.fate != Fate::kLanded || !seen) return;
-  const double off = cv::norm(cv::Point2d(trace.target) + cv::Point2d(0.5, 0.5) - exact);
-  Line("off by", Format("%.3f", off), "pixels, from the middle of the cell to the exact projection");
+  Line("off by", Format("%.3f", OffBy(trace, exact)), "pixels, from the middle of the cell to the exact projection");
+}
+
+/// The stages as JSON. Stages that the pixel does not reach are null; one without depth has those of the start of a frame.
+std::string TraceJson(cv::Point pixel, const ExplainOptions& options, const PixelTrace& trace, cv::Point2d exact) {
+  const bool hasDepth = options.code != 0, inGrid = trace.fate != Fate::kOutsideGrid;
+  const bool hasEntry = inGrid && trace.fate != Fate::kUnwrittenEntry;
+  const bool hasTarget = inGrid && trace.fate != Fate::kOutsideFrame;
+  const auto position = [](bool exists, cv::Point2d value) { return JsonPosition(exists ? value : kNowhere); };
+  return JsonText({{"tof_pixel", JsonPixel(pixel)},
+                   {"code", options.code},
+                   {"ratio", options.ratio},
+                   {"undistorted", position(hasDepth, trace.undistorted)},
+                   {"in_front_of_aux_camera", hasDepth ? Json(trace.inFront) : Json(nullptr)},
+                   {"far_plane", position(hasDepth, trace.farPlane)},
+                   {"parallax", position(hasDepth, trace.parallax)},
+                   {"ideal_position", position(true, trace.ideal)},
+                   {"ideal_cell", JsonPixel(trace.cell)},
+                   {"lens_table", position(hasEntry, trace.distorted)},
+                   {"fate", kFateNames[static_cast<size_t>(hasDepth ? trace.fate : Fate::kNoDepth)].key},
+                   {"target", hasTarget ? JsonPixel(trace.target) : Json(nullptr)},
+                   {"exact_projection", JsonPosition(exact)},
+                   {"off_by_pixels", trace.fate == Fate::kLanded ? Number(OffBy(trace, exact)) : Json(nullptr)}});
 }
 
 void Explain(const ExplainOptions& options) {
@@ -87,16 +114,21 @@ void Explain(const ExplainOptions& options) {
   }
   const itof::CalibrationRecord record = ReadCalibrationFile(options.calibration).record;
   const RunTables tables(record, static_cast<float>(options.ratio));
-  Line("ToF pixel", CellText(pixel), Format(options.code == 0 ? "code %d, no depth" : "code %d", options.code));
-  if (options.code == 0) {
-    PrintPixelWithoutDepth(tables);
-    return;
-  }
-  const PixelTrace trace = tables.Trace(pixel.x, pixel.y, options.code);
-  PrintStages(trace);
+  const PixelTrace trace = options.code == 0 ? tables.TraceStart() : tables.Trace(pixel.x, pixel.y, options.code);
   const CameraPair pair = MakeCameraPair(record);
   const cv::Point only[] = {pixel};
-  PrintExactProjection(trace, AuxPositions(pair, Rays(pair.tof, only), options.code)[0]);
+  const cv::Point2d exact = options.code == 0 ? kNowhere : AuxPositions(pair, Rays(pair.tof, only), options.code)[0];
+  if (options.json) {
+    std::fputs(TraceJson(pixel, options, trace, exact).c_str(), stdout);
+    return;
+  }
+  Line("ToF pixel", CellText(pixel), Format(options.code == 0 ? "code %d, no depth" : "code %d", options.code));
+  if (options.code == 0) {
+    PrintPixelWithoutDepth(trace);
+    return;
+  }
+  PrintStages(trace);
+  PrintExactProjection(trace, exact);
 }
 
 }  // namespace
@@ -118,6 +150,7 @@ void AddExplainCommand(CLI::App& app) {
       ->check(CLI::Validator(CLI::Range(0, 8191)).description(""))
       ->type_name("C");
   AddRatioOption(*command, options->ratio);
+  command->add_flag("--json", options->json, kJsonHelp);
   command->callback([options] { Explain(*options); });
 }
 

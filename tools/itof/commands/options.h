@@ -13,6 +13,7 @@
 namespace itoftool {
 
 inline constexpr char kCalibrationFileHelp[] = "Calibration file of 228 bytes";
+inline constexpr char kJsonHelp[] = "Prints the same as JSON";
 
 /// Refuses numbers that the option parser does not read as decimal: 010 would be 8, and 0x10 16.
 inline std::string DecimalFault(const std::string& text) {

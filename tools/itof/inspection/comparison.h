@@ -2,7 +2,10 @@
 #ifndef ITOF_TOOL_INSPECTION_COMPARISON_H_
 #define ITOF_TOOL_INSPECTION_COMPARISON_H_
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
+#include <iterator>
 #include <opencv2/core.hpp>
 #include <span>
 #include <vector>
@@ -14,6 +17,10 @@ namespace itoftool {
 
 /// The depths of all comparisons, in depth codes: 0.3, 1 and 3 m if a code is a millimetre.
 inline constexpr uint16_t kCompareDepths[] = {300, 1000, 3000};
+
+/// One item for each of kCompareDepths.
+template <typename T>
+using PerDepth = std::array<T, std::size(kCompareDepths)>;
 
 /// Statistics of a set of distances in pixels; all 0 if the set is empty.
 struct Spread {

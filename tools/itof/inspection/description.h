@@ -2,9 +2,7 @@
 #ifndef ITOF_TOOL_INSPECTION_DESCRIPTION_H_
 #define ITOF_TOOL_INSPECTION_DESCRIPTION_H_
 
-#include <array>
 #include <cstddef>
-#include <iterator>
 #include <opencv2/core.hpp>
 #include <optional>
 #include <string>
@@ -40,10 +38,6 @@ struct ExtrinsicsDescription {
   double rotationDegrees;
   cv::Vec3d rotationAxis;  // of length 1; zero if there is no rotation
 };
-
-/// One item for each of kCompareDepths.
-template <typename T>
-using PerDepth = std::array<T, std::size(kCompareDepths)>;
 
 /// Where the aux camera sees a ToF pixel, in its frame of 640 x 360; not-a-number where it does not.
 struct ExactPositions {

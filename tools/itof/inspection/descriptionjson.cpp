@@ -1,28 +1,15 @@
 // Writes the description of a calibration as JSON, for programs.
-#include <cmath>
-#include <nlohmann/json.hpp>
-
 #include "inspection/description.h"
+#include "inspection/jsonvalues.h"
 
 namespace itoftool {
 namespace {
-
-using Json = nlohmann::ordered_json;
-
-Json Number(double value) { return std::isfinite(value) ? Json(value) : Json(nullptr); }
-
-Json Pixel(cv::Point pixel) { return {pixel.x, pixel.y}; }
-
-Json Position(cv::Point2d position) { return IsNowhere(position) ? Json(nullptr) : Json{position.x, position.y}; }
 
 Json Vector(const cv::Vec3d& v) { return {v[0], v[1], v[2]}; }
 
 Json Matrix(const cv::Matx33d& m) {
   return {{m(0, 0), m(0, 1), m(0, 2)}, {m(1, 0), m(1, 1), m(1, 2)}, {m(2, 0), m(2, 1), m(2, 2)}};
 }
-
-/// An object for what was measured at one depth.
-Json AtDepth(uint16_t code) { return {{"depth_mm", code}}; }
 
 Json Entries(const std::vector<EntryDescription>& entries) {
   Json list = Json::array();
@@ -60,9 +47,9 @@ Json PositionsJson(const std::vector<ExactPositions>& exactPositions) {
     Json aux = Json::array();
     for (size_t i = 0; i < exact.aux.size(); ++i) {
       aux.push_back(AtDepth(kCompareDepths[i]));
-      aux.back()["position"] = Position(exact.aux[i]);
+      aux.back()["position"] = JsonPosition(exact.aux[i]);
     }
-    list.push_back({{"tof_pixel", Pixel(exact.tofPixel)}, {"aux", aux}});
+    list.push_back({{"tof_pixel", JsonPixel(exact.tofPixel)}, {"aux", aux}});
   }
   return list;
 }
@@ -76,7 +63,7 @@ Json ApproximationJson(const PerDepth<Approximation>& approximation) {
     at["median"] = error.median;
     at["percentile_95"] = error.percentile95;
     at["maximum"] = error.maximum;
-    at["maximum_at_tof_pixel"] = Pixel(error.where);
+    at["maximum_at_tof_pixel"] = JsonPixel(error.where);
     at["pixels_lost"] = lost;
     list.push_back(at);
   }
@@ -92,7 +79,7 @@ std::string DescriptionJson(const CalibrationDescription& description) {
                      {"extrinsics", ExtrinsicsJson(description.extrinsics)},
                      {"exact_positions", PositionsJson(description.exactPositions)},
                      {"alignment_error_pixels", ApproximationJson(description.approximation)}};
-  return json.dump(2) + "\n";
+  return JsonText(json);
 }
 
 }  // namespace itoftool

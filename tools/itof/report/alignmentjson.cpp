@@ -2,15 +2,12 @@
 // that the frames were made with.
 #include "report/alignmentjson.h"
 
-#include <nlohmann/json.hpp>
-
 #include "framesize.h"
+#include "inspection/jsonvalues.h"
 #include "inspection/workingcontext.h"
 
 namespace itoftool {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 Json AuxCamera(const itof::CalibrationRecord& record) {
   const itof::AlignmentContext context = MakeWorkingContext(record);
@@ -77,8 +74,7 @@ std::string AlignmentJson(const CalibrationFile& calibration, float ratio, const
         {"png", "NAME.aligned.png holds bits 0 to 7 times 16, which is the depth in its unit; 0 means no depth"}}},
       {"calibration", {{"file", calibration.path.string()}, {"sha256", calibration.sha256}}},
       {"frames", list}};
-  // File names may contain any bytes, JSON only UTF-8.
-  return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  return JsonText(json);
 }
 
 }  // namespace itoftool

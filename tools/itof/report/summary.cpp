@@ -1,8 +1,6 @@
 // Prints the figures of a run. Times are those of the library's calls only, without files and pictures.
 #include "report/summary.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <numeric>
@@ -13,21 +11,6 @@
 namespace itoftool {
 
 std::string Percent(double share) { return Format("%.1f %%", 100 * share); }
-
-Progress::Progress(size_t total, bool off) : total_(total), visible_(!off && isatty(STDERR_FILENO) == 1) {}
-
-Progress::~Progress() {
-  if (visible_) std::fputs("\r\033[K", stderr);
-}
-
-void Progress::Show(size_t done) const {
-  if (!visible_) return;
-  constexpr size_t kWidth = 40;
-  const size_t filled = kWidth * done / total_;
-  const std::string bar = std::string(filled, '#') + std::string(kWidth - filled, '.');
-  std::fprintf(stderr, "\r[%s] %zu of %zu frames", bar.c_str(), done, total_);
-  std::fflush(stderr);
-}
 
 namespace {
 
