@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fstream>
 #include <limits>
+#include <nlohmann/json.hpp>
 #include <numeric>
 #include <opencv2/calib3d.hpp>
 #include <random>
@@ -14,6 +15,7 @@
 #include <vector>
 
 #include "check/findings.h"
+#include "check/findingsjson.h"
 #include "check/reference.h"
 #include "framesize.h"
 #include "inspection/pixeltrace.h"
@@ -202,6 +204,18 @@ TEST(CalibrationCheck, NamesOddGeometryAndLeavesTheRestAlone) {
     for (const auto& [field, value] : item.changes) fields[field] = value;
     ExpectFindings(CheckCalibration(Bytes(fields)), item.expected);
   }
+}
+
+TEST(FindingsJson, HoldsOtherReadingsWithTheirPixels) {
+  Spread moved;
+  moved.count = 9;
+  moved.median = 1.5;
+  moved.maximum = 4;
+  const Findings findings{{Severity::kNote, "aim", "aux", "what", "do", {{"a", moved}, {"b", Spread()}}}};
+  EXPECT_EQ(FindingsJson(findings), nlohmann::ordered_json::parse(R"([{
+      "severity": "note", "code": "aim", "camera": "aux", "text": "what", "advice": "do",
+      "readings": [{"reading": "a", "median_pixels": 1.5, "maximum_pixels": 4},
+                   {"reading": "b", "median_pixels": null, "maximum_pixels": null}]}])"));
 }
 
 TEST(LensReach, EndsWhereTheModelFoldsOrBreaks) {

@@ -32,6 +32,13 @@ class InspectionToolTest : public ToolRunner {
       EXPECT_NE(result.out.find(part), std::string::npos) << '"' << part << "\" in\n" << result.out;
     }
   }
+
+  /// The JSON that a run prints; it must print nothing else.
+  nlohmann::json JsonOf(const std::string& arguments, int code = 0) const {
+    const Result result = Run(arguments);
+    EXPECT_EQ(result.code, code) << result.err;
+    return nlohmann::json::parse(result.out);
+  }
 };
 
 TEST_F(InspectionToolTest, ShowDescribesEqualCamerasSideBySide) {
@@ -73,6 +80,21 @@ TEST_F(InspectionToolTest, DiffNamesFieldsAndMovesPixels) {
   ExpectOutput("calibration diff good.bin apart.bin",
                {"  translation[0]      0                 -25 ", "\n  1.0 m     12.80     12.80 ",
                 "4320             0\n", "(320, 180)  (-12.8, +0.0)"});
+  const auto json = JsonOf("calibration diff good.bin apart.bin --json");
+  const auto& field = json["fields"][0];
+  EXPECT_TRUE(json["fields"].size() == 1 && field["name"] == "translation[0]" && field["b"] == -25) << json["fields"];
+  const auto& moved = json["moved_pixels"][1];
+  EXPECT_NEAR(moved["median"], 12.8, 1e-9);
+  EXPECT_TRUE(moved["depth_mm"] == 1000 && moved["pixels_compared"] == 628 * 360 &&
+              moved["pixels_only_with_a"] == 4320);
+  EXPECT_NEAR(json["moves_at_1_m"][4]["move"][0], -12.8, 1e-9);
+
+  Write("far.bin", CalibrationBytes(IdentityCalibration({{22, -9000}})));  // 4608 pixels at 1 m
+  ExpectOutput("calibration diff good.bin far.bin",
+               {"  1.0 m  no pixel lands with both                     230400             0\n"});
+  const auto none = JsonOf("calibration diff good.bin far.bin --json")["moved_pixels"][2];
+  EXPECT_TRUE(none["pixels_compared"] == 0 && none["median"].is_null() && none["maximum_at_tof_pixel"].is_null())
+      << none;
 }
 
 TEST_F(InspectionToolTest, ExplainFollowsOnePixel) {
@@ -90,6 +112,19 @@ TEST_F(InspectionToolTest, ExplainFollowsOnePixel) {
   ExpectOutput("explain --calibration pincushion.bin --at 8,8 --code 8000",
                {"no entry", "lands in cell         (0, 0)"});
   ExpectOutput("explain --calibration apart.bin --at 5,180 --code 0", {"no depth", "ideal cell            (0, 0)"});
+
+  const auto landed = JsonOf("explain --calibration apart.bin --at 320,180 --code 1000 --json");
+  EXPECT_TRUE(landed["fate"] == "landed" && landed["target"] == nlohmann::json({307, 180})) << landed;
+  EXPECT_NEAR(landed["ideal_position"][0], 307.2, 1e-9);
+  EXPECT_NEAR(landed["off_by_pixels"], std::hypot(0.3, 0.5), 1e-9);
+  const auto dropped = JsonOf("explain --calibration apart.bin --at 5,180 --code 1000 --json");
+  EXPECT_TRUE(dropped["fate"] == "outside_ideal_grid" && dropped["target"].is_null()) << dropped;
+  const auto corner = JsonOf("explain --calibration pincushion.bin --at 8,8 --code 8000 --json");
+  EXPECT_TRUE(corner["fate"] == "sent_to_corner" && corner["lens_table"].is_null()) << corner;
+  const auto start = JsonOf("explain --calibration apart.bin --at 5,180 --code 0 --json");
+  EXPECT_TRUE(start["fate"] == "without_depth" && start["undistorted"].is_null() &&
+              start["ideal_cell"] == nlohmann::json({0, 0}))
+      << start;
 }
 
 TEST_F(InspectionToolTest, ReportSumsFatesOverAFrame) {
@@ -105,6 +140,9 @@ TEST_F(InspectionToolTest, ReportSumsFatesOverAFrame) {
   const auto json = nlohmann::json::parse(Read("out/alignment.json"));
   EXPECT_EQ(json["frames"][0]["pixels_by_fate"]["outside_ideal_grid"], 12 * 360);
   EXPECT_EQ(json["frames"][0]["outputs"][3], "frame.fates.png");
+  EXPECT_EQ(Run("align --calibration apart.bin --report --json --output out frame.raw").out,
+            Read("out/alignment.json"));
+  ExpectFailure(2, "align --calibration apart.bin --json --log frame.raw", "--log excludes --json");
   const cv::Mat sheet = cv::imread(folder_ / "out/frame.fates.png");
   ASSERT_FALSE(sheet.empty());
   const auto colourAt = [&](int x, int y) { return sheet.at<cv::Vec3b>(34 + y, 14 + x); };

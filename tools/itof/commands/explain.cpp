@@ -82,7 +82,8 @@ void PrintExactProjection(const PixelTrace& trace, cv::Point2d exact) {
   Line("off by", Format("%.3f", OffBy(trace, exact)), "pixels, from the middle of the cell to the exact projection");
 }
 
-/// The stages as JSON. Stages that the pixel does not reach are null; one without depth has those of the start of a frame.
+/// The stages as JSON. Those that the pixel does not reach are null. A pixel without depth has those of the start of a
+/// frame.
 std::string TraceJson(cv::Point pixel, const ExplainOptions& options, const PixelTrace& trace, cv::Point2d exact) {
   const bool hasDepth = options.code != 0, inGrid = trace.fate != Fate::kOutsideGrid;
   const bool hasEntry = inGrid && trace.fate != Fate::kUnwrittenEntry;

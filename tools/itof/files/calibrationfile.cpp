@@ -4,7 +4,9 @@
 
 #include <openssl/evp.h>
 
+#include <algorithm>
 #include <span>
+#include <system_error>
 #include <vector>
 
 #include "calibration/calibrationcheck.h"
@@ -43,6 +45,22 @@ CalibrationFile ReadCalibrationFile(const std::filesystem::path& path) {
                       itof::EntryOffset(*fault->field, fault->index), static_cast<double>(fault->value), fault->cause));
   }
   return {path, record, Sha256(std::span(bytes).first(itof::kCalibrationRecordSize))};
+}
+
+std::vector<std::filesystem::path> CalibrationFilesIn(const std::filesystem::path& folder) {
+  namespace fs = std::filesystem;
+  std::vector<fs::path> files;
+  std::error_code error, ignored;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+    const fs::path& path = entry->path();
+    if (path.filename().string().starts_with('.') || !entry->is_regular_file(ignored)) continue;
+    const bool isNamed = LowerCaseExtension(path) == ".bin";
+    if (isNamed || entry->file_size(ignored) == itof::kCalibrationRecordSize) files.push_back(path);
+  }
+  if (error) Fail(folder, error.message());
+  if (files.empty()) Fail(folder, "is a folder without calibrations: no file of 228 bytes, none named *.bin");
+  std::ranges::sort(files);
+  return files;
 }
 
 }  // namespace itoftool

@@ -29,7 +29,7 @@ struct CameraPair {
 };
 
 CameraPair MakeCameraPair(const itof::CalibrationRecord& record);
-/// The same for a record whose working context exists, e.g. that of its RunTables. Most of the time goes into a context.
+/// The same with the record's working context, e.g. that of its RunTables. Making a context takes most of the time.
 CameraPair MakeCameraPair(const itof::CalibrationRecord& record, const itof::AlignmentContext& context);
 
 /// The middle pixel of each block of step x step pixels of the ToF frame, row by row.

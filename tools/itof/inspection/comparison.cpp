@@ -36,7 +36,10 @@ std::vector<cv::Point2d> AlignedPositions(const RunTables& tables, std::span<con
     const PixelTrace trace = tables.Trace(pixel.x, pixel.y, code);
     const auto [x, y] = Project(aux, {(trace.ideal.x - aux.cx) / aux.fx, (trace.ideal.y - aux.cy) / aux.fy, 1});
     const cv::Point2d position(x, y);
-    positions.push_back(trace.fate == Fate::kLanded ? position : kNowhere);
+    // The entry of the lens table is that of the middle of the ideal cell. If it is far away, the lens model is not
+    // valid here, and the position may be anywhere.
+    const bool isValid = trace.fate == Fate::kLanded && cv::norm(position - trace.distorted) < 20;
+    positions.push_back(isValid ? position : kNowhere);
   }
   return positions;
 }
@@ -56,13 +59,6 @@ Approximation MeasureApproximation(const CameraPair& pair, const RunTables& tabl
   }
   result.error = MeasureSpread(pixels, cells, exact);
   return result;
-}
-
-double Overlap(const CameraPair& pair, double depth) { return Overlap(pair, Rays(pair.tof, TofPixels(8)), depth); }
-
-double Overlap(const CameraPair& pair, std::span<const cv::Point2d> tofRays, double depth) {
-  const auto positions = AuxPositions(pair, tofRays, depth);
-  return static_cast<double>(std::ranges::count_if(positions, InFrame)) / static_cast<double>(positions.size());
 }
 
 }  // namespace itoftool

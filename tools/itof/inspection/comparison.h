@@ -34,7 +34,8 @@ struct Spread {
 Spread MeasureSpread(std::span<const cv::Point> pixels, std::span<const cv::Point2d> a, std::span<const cv::Point2d> b);
 
 /// Positions in the real aux image to which the library moves ToF pixels of one depth code, before truncation to cells;
-/// kNowhere for pixels that do not land. The tables must be for a ratio of 1.
+/// kNowhere for pixels that do not land, or whose position the aux lens tears apart. The tables must be for a ratio of
+/// 1.
 std::vector<cv::Point2d> AlignedPositions(const RunTables& tables, std::span<const cv::Point> pixels, uint16_t code);
 
 /// The alignment against exact positions, for a frame whose pixels all have one depth code.
@@ -44,11 +45,6 @@ struct Approximation {
   size_t belonging = 0;  // pixels whose exact position is in the frame
 };
 Approximation MeasureApproximation(const CameraPair& pair, const RunTables& tables, uint16_t code);
-
-/// The share (0..1) of ToF pixels that the aux camera sees in its frame at a depth. Samples one pixel of each 8 x 8.
-double Overlap(const CameraPair& pair, double depth);
-/// The same for given rays of the ToF camera. Pairs that differ in the extrinsics or the aux camera only share them.
-double Overlap(const CameraPair& pair, std::span<const cv::Point2d> tofRays, double depth);
 
 }  // namespace itoftool
 

@@ -17,7 +17,7 @@ std::vector<EntryDifference> CompareEntries(const itof::CalibrationRecord& a, co
     if (textA == textB) return;
     const auto value = [&](const itof::CalibrationRecord& record) -> std::optional<double> {
       if (field.kind == itof::FieldKind::kUnused) return std::nullopt;
-      return EntryValue(record, field, index);
+      return static_cast<double>(EntryValue(record, field, index));
     };
     differences.push_back({itof::EntryName(field, index), EntryUnit(field, index), textA, textB, value(a), value(b)});
   });

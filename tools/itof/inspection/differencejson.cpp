@@ -1,4 +1,6 @@
 // Writes the difference between two calibrations as JSON, for programs.
+#include <iterator>
+
 #include "inspection/difference.h"
 #include "inspection/jsonvalues.h"
 
@@ -12,7 +14,7 @@ std::string DifferenceJson(const CalibrationDifference& difference) {
                        {"b", entry.b ? Number(*entry.b) : Json(entry.textB)},
                        {"unit", entry.unit}});
   }
-  for (size_t i = 0; i < difference.moves.size(); ++i) {
+  for (size_t i = 0; i < std::size(kCompareDepths); ++i) {
     const auto& [distance, onlyA, onlyB] = difference.moves[i];
     Json at = AtDepth(kCompareDepths[i]);
     at.update(SpreadJson(distance));

@@ -1,4 +1,6 @@
 // Writes the difference between two calibrations as text for a terminal.
+#include <iterator>
+
 #include "inspection/difference.h"
 #include "inspection/valuetext.h"
 #include "support/text.h"
@@ -24,7 +26,7 @@ std::string DifferenceText(const CalibrationDifference& difference) {
   text +=
       "\nHow far aligned positions move from A to B, in pixels (before truncation to cells)\n"
       "  depth    median   maximum, at ToF pixel        only with A   only with B\n";
-  for (size_t i = 0; i < difference.moves.size(); ++i) {
+  for (size_t i = 0; i < std::size(kCompareDepths); ++i) {
     const Move& move = difference.moves[i];
     text +=
         Format("  %.1f m%s %12zu  %12zu\n", kCompareDepths[i] / 1000.0, MoveText(move).c_str(), move.onlyA, move.onlyB);

@@ -38,8 +38,7 @@ inline Json SpreadJson(const Spread& spread) {
           {"maximum_at_tof_pixel", value(JsonPixel(spread.where))}};
 }
 
-/// The document as text. Strings may contain any bytes, such as those of file names, but JSON only UTF-8; the others are
-/// replaced.
+/// The document as text. File names may contain any bytes, JSON only UTF-8; the others are replaced.
 inline std::string JsonText(const Json& json) {
   return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }

@@ -1,0 +1,48 @@
+// Checks one of several calibration files, and sums up what was found.
+#include "check/fleetunit.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "check/checkedpair.h"
+
+namespace itoftool {
+
+std::vector<cv::Point> FleetPixels() { return TofPixels(16); }
+
+CheckedUnit CheckUnit(const std::string& path, std::span<const uint8_t> bytes) {
+  CheckedUnit unit{.path = path, .findings = {}, .content = {}, .record = {}};
+  const auto used = bytes.first(std::min(bytes.size(), itof::kCalibrationRecordSize));
+  unit.content.assign(used.begin(), used.end());
+  unit.record = CheckFile(bytes, unit.findings);
+  if (!unit.record) return unit;
+  std::ranges::move(CheckGeometry(*unit.record), std::back_inserter(unit.findings));
+  const RunTables tables(*unit.record, 1);
+  for (size_t i = 0; i < std::size(kCompareDepths); ++i) {
+    unit.positions[i] = AlignedPositions(tables, FleetPixels(), kCompareDepths[i]);
+  }
+  return unit;
+}
+
+CheckedUnit UnreadableUnit(const std::string& path, const std::string& reason) {
+  return {.path = path,
+          .findings = {{Severity::kError, kUnreadable, "", reason, "Give the name of a calibration file or a folder."}},
+          .content = {},
+          .record = {}};
+}
+
+const Finding* WorstFinding(const Findings& findings) {
+  const auto worst = std::ranges::max_element(findings, {}, &Finding::severity);
+  return worst == findings.end() ? nullptr : &*worst;
+}
+
+std::optional<double> LargestEffect(const Findings& findings) {
+  std::optional<double> largest;
+  for (const Finding& finding : findings) {
+    if (finding.readings.empty() || finding.readings.front().moved.count == 0) continue;
+    largest = std::max(largest.value_or(0), finding.readings.front().moved.maximum);
+  }
+  return largest;
+}
+
+}  // namespace itoftool
