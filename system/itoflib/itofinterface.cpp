@@ -1,4 +1,5 @@
-// Implements the three exported functions, their library-wide state, and the frame driver.
+// Implements the three exported functions, their library-wide state, and the frame driver. The exported functions only
+// set up the floating-point environment and call a function that is not inlined (floatenvironment.h).
 #include "itofinterface.h"
 
 #include <algorithm>
@@ -16,6 +17,7 @@
 #include "calibration/alignmentparams.h"
 #include "calibration/calibrationcheck.h"
 #include "calibration/calibrationrecord.h"
+#include "floatenvironment.h"
 #include "framesize.h"
 #include "performancelog.h"
 #include "pixelwords.h"
@@ -57,12 +59,7 @@ void PackAlignedWords(const cv::Mat& working, cv::Mat& aligned) {
   }
 }
 
-}  // namespace
-}  // namespace itof
-
-using namespace itof;
-
-int32_t itof_init() {
+[[gnu::noinline]] int32_t Init() {
   CalibrationLoad load = LoadCalibrationRecord();
   if (load.status == CalibrationLoadStatus::kUnreadable) return ITOF_CALIBRATION_UNREADABLE;
   if (load.status == CalibrationLoadStatus::kShort) return ITOF_CALIBRATION_SHORT;
@@ -85,8 +82,7 @@ int32_t itof_init() {
   return ITOF_OK;
 }
 
-int32_t itof_execute_algo(uint16_t* frame, float ratio) {
-  if (!init_done) return 0;
+[[gnu::noinline]] void AlignInPlace(uint16_t* frame, float ratio) {
   AlignmentContext& context = library_context.context;
   const ZerunTime frameStart = TimeStamp();
 
@@ -133,7 +129,21 @@ int32_t itof_execute_algo(uint16_t* frame, float ratio) {
 
   staging.release();
   packed.release();
+}
+
+}  // namespace
+}  // namespace itof
+
+int32_t itof_init() {
+  const itof::DefaultFloatEnvironment environment;
+  return itof::Init();
+}
+
+int32_t itof_execute_algo(uint16_t* frame, float ratio) {
+  if (!itof::init_done) return 0;
+  const itof::DefaultFloatEnvironment environment;
+  itof::AlignInPlace(frame, ratio);
   return 0;
 }
 
-void itof_deinit() { tables_prepared = false; }
+void itof_deinit() { itof::tables_prepared = false; }

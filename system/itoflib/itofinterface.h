@@ -22,6 +22,12 @@
  * 1,382,400 bytes for three copies of a frame; every frame overwrites them before it reads them. Both stay allocated
  * until the library is unloaded or the process exits. itof_deinit releases nothing.
  *
+ * Floating point: a call computes in the default floating-point environment, so the words do not depend on the host's
+ * rounding mode, traps or flush-to-zero mode. The device's libraries, too, run in the default environment while the
+ * library calls them. When the call returns or throws, the environment of the calling thread is as before, including
+ * its exception flags. The library sets it by fesetenv(FE_DFL_ENV). C does not say whether that ends flush-to-zero
+ * modes; glibc's does. With a C library whose fesetenv does not, call with flush-to-zero off.
+ *
  *
  * Words
  * -----

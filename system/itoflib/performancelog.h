@@ -18,6 +18,9 @@ inline bool PerformanceLogEnabled() { return (g_enableOrvxLogs & (uint64_t{1} <<
 /// Whether lines are copied to the Android log: for the value 1 only.
 inline bool AndroidCopyEnabled() { return g_enableSystemLog == 1; }
 
+/// The function that every line names.
+inline constexpr char kLogFunction[] = "itof_execute_algo";
+
 /// The part of `path` after its last '/', or all of it.
 inline const char* BaseName(const char* path) {
   const char* slash = std::strrchr(path, '/');
@@ -42,19 +45,20 @@ inline ZerunTime TimeStamp() {
 
 }  // namespace itof
 
-/// Writes a performance line if the framework's gates allow it. The line names the enclosing function and the source
-/// file of the statement. `line` is part of the text that log readers search for; it stays the same wherever the
-/// statement moves. This is a macro because the Android format is joined from string literals, and because __FILE__ and
-/// __func__ must be the caller's.
-#define ITOF_PERFORMANCE_LOG(line, format, ...)                                                                       \
-  do {                                                                                                                \
-    if (itof::PerformanceLogEnabled()) {                                                                              \
-      if (itof::AndroidCopyEnabled()) {                                                                               \
-        __android_log_print(ANDROID_LOG_ERROR, "OrvoX", "[ERROR]%s %s:%d %s() " format "\n", "[UNKNOWN]",             \
-                            itof::BaseName(__FILE__), line, __func__, __VA_ARGS__);                                   \
-      }                                                                                                               \
-      OrvoLog::LogSystem("[ERROR]", "E", "[UNKNOWN]", itof::BaseName(__FILE__), __func__, line, format, __VA_ARGS__); \
-    }                                                                                                                 \
+/// Writes a performance line if the framework's gates allow it. The line names the source file of the statement. The
+/// function's name and `line` are part of the text that log readers search for; they stay the same wherever the
+/// statement moves. This is a macro because the Android format is joined from string literals, and because __FILE__
+/// must be the caller's.
+#define ITOF_PERFORMANCE_LOG(line, format, ...)                                                                   \
+  do {                                                                                                            \
+    if (itof::PerformanceLogEnabled()) {                                                                          \
+      if (itof::AndroidCopyEnabled()) {                                                                           \
+        __android_log_print(ANDROID_LOG_ERROR, "OrvoX", "[ERROR]%s %s:%d %s() " format "\n", "[UNKNOWN]",         \
+                            itof::BaseName(__FILE__), line, itof::kLogFunction, __VA_ARGS__);                     \
+      }                                                                                                           \
+      OrvoLog::LogSystem("[ERROR]", "E", "[UNKNOWN]", itof::BaseName(__FILE__), itof::kLogFunction, line, format, \
+                         __VA_ARGS__);                                                                            \
+    }                                                                                                             \
   } while (false)
 
 #endif  // ITOF_PERFORMANCELOG_H_

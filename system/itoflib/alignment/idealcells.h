@@ -104,7 +104,8 @@ ITOF_KERNEL inline void FindIdealCells(const Parallax& parallax, Grid grid, cons
   int32_t uncertain[kCellBlock];
   int32_t anyUncertain = 0;
   for (int32_t i = 0; i < count; ++i) {
-    const float inverse = 1.0F / static_cast<float>(DepthCode(words[i]));
+    const uint16_t code = std::max<uint16_t>(DepthCode(words[i]), 1);  // the cell of code 0 is not used
+    const float inverse = 1.0F / static_cast<float>(code);
     float x = (p.estimateX * inverse + lowerHalf) + farX[i];
     float y = (p.estimateY * inverse + lowerHalf) + farY[i];
     x = x > -p.clampX ? x : -p.clampX;
@@ -122,6 +123,7 @@ ITOF_KERNEL inline void FindIdealCells(const Parallax& parallax, Grid grid, cons
   if (anyUncertain == 0 && closest >= p.largestNotEstimated) return;
   for (int32_t i = 0; i < count; ++i) {
     if (uncertain[i] == 0 && static_cast<uint16_t>(DepthCode(words[i]) - 1) >= p.largestNotEstimated) continue;
+    if (DepthCode(words[i]) == 0) continue;
     cells[i] = IdealCell(parallax, grid, words[i], farX[i], farY[i]);
   }
 }

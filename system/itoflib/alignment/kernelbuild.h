@@ -4,6 +4,10 @@
 #ifndef ITOF_ALIGNMENT_KERNELBUILD_H_
 #define ITOF_ALIGNMENT_KERNELBUILD_H_
 
+#ifdef __FAST_MATH__
+#error "-ffast-math changes results, which must be the same bits everywhere"
+#endif
+
 namespace itof {
 
 enum class KernelBuild { kBaseline, kAvx2Fma };
