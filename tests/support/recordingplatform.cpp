@@ -86,6 +86,7 @@ void OrvoLog::LogSystem(const char* level, const char* shortLevel, const char* g
 void Zerun::OsUtils::GetTime(ZerunTime* time) {
   const PlatformMemory memory;
   g_platform.events.push_back("clock");
+  g_platform.atStamp();
   if (g_platform.stamps.empty()) return;
   *time = g_platform.stamps.front();
   if (g_platform.stamps.size() > 1) g_platform.stamps.pop_front();

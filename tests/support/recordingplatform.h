@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <new>
 #include <optional>
 #include <string>
@@ -21,6 +22,8 @@ struct RecordingPlatform {
 
   /// Stamps that GetTime gives, in order. It repeats the last one.
   std::deque<ZerunTime> stamps{};
+  /// Called by GetTime.
+  std::function<void()> atStamp = [] {};
   /// All calls in order: "clock" for each stamp, and each line as "android: ..." or "orvo: ...".
   std::vector<std::string> events{};
 };
