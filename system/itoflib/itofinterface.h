@@ -22,11 +22,16 @@
  * 1,382,400 bytes for three copies of a frame; every frame overwrites them before it reads them. Both stay allocated
  * until the library is unloaded or the process exits. itof_deinit releases nothing.
  *
+ * Stack: a call uses up to 16 KB, or 20 KB with performance lines. The latter is measured with the stand-ins for the
+ * device's libraries; the framework's own logger may need another amount.
+ *
  * Floating point: a call computes in the default floating-point environment, so the words do not depend on the host's
  * rounding mode, traps or flush-to-zero mode. The device's libraries, too, run in the default environment while the
  * library calls them. When the call returns or throws, the environment of the calling thread is as before, including
  * its exception flags. The library sets it by fesetenv(FE_DFL_ENV). C does not say whether that ends flush-to-zero
  * modes; glibc's does. With a C library whose fesetenv does not, call with flush-to-zero off.
+ *
+ * errno: a call may change it.
  *
  *
  * Words
@@ -140,8 +145,10 @@ ITOF_API int32_t itof_init(void);
  *
  * Prints one line, "cost time(distort) : <seconds> (s)", to standard output, and nothing switches that off. In a
  * daemon, open file descriptor 1 on /dev/null before the first frame. If descriptor 1 is closed, the next file that the
- * process opens gets that number and receives the lines. The library also writes timing lines to the camera framework's
- * log if the framework enables them (docs/android.md).
+ * process opens gets that number and receives the lines. If it is a pipe whose reader has gone, SIGPIPE ends the
+ * process, unless the host ignores or handles that signal; if the reader stalls, the call blocks. The C library collects
+ * many lines before it writes to a pipe, so neither happens at once. The library also writes timing lines to the camera
+ * framework's log if the framework enables them (docs/android.md).
  *
  * Cost: a few passes over the pixels. The first frame of a run also builds the tables and takes about five times as
  * long. docs/performance.md has figures.
