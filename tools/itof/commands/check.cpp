@@ -8,13 +8,13 @@
 #include <string>
 #include <vector>
 
-#include "check/fleetjson.h"
-#include "check/fleettable.h"
-#include "check/fleettext.h"
 #include "commands/commands.h"
 #include "commands/options.h"
 #include "files/calibrationfile.h"
 #include "files/files.h"
+#include "fleet/json.h"
+#include "fleet/table.h"
+#include "fleet/text.h"
 #include "support/errors.h"
 #include "support/progress.h"
 #include "support/text.h"

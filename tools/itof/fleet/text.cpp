@@ -1,5 +1,5 @@
 // Writes what a fleet's comparison found, as text for a terminal.
-#include "check/fleettext.h"
+#include "fleet/text.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
 // Writes the check of one or several files as JSON, for programs.
-#include "check/fleetjson.h"
+#include "fleet/json.h"
 
 #include <iterator>
 

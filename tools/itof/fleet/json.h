@@ -1,12 +1,12 @@
 // Writes the check of one or several files as JSON, for programs.
-#ifndef ITOF_TOOL_CHECK_FLEETJSON_H_
-#define ITOF_TOOL_CHECK_FLEETJSON_H_
+#ifndef ITOF_TOOL_FLEET_JSON_H_
+#define ITOF_TOOL_FLEET_JSON_H_
 
 #include <optional>
 #include <span>
 #include <string>
 
-#include "check/fleettable.h"
+#include "fleet/table.h"
 
 namespace itoftool {
 
@@ -16,4 +16,4 @@ std::string CheckJson(std::span<const CheckedUnit> units, std::span<const UnitRo
 
 }  // namespace itoftool
 
-#endif  // ITOF_TOOL_CHECK_FLEETJSON_H_
+#endif  // ITOF_TOOL_FLEET_JSON_H_

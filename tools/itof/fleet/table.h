@@ -1,6 +1,6 @@
 // Makes the table of a check of several files: one row for each.
-#ifndef ITOF_TOOL_CHECK_FLEETTABLE_H_
-#define ITOF_TOOL_CHECK_FLEETTABLE_H_
+#ifndef ITOF_TOOL_FLEET_TABLE_H_
+#define ITOF_TOOL_FLEET_TABLE_H_
 
 #include <cstddef>
 #include <optional>
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "check/fleet.h"
+#include "fleet/fleet.h"
 
 namespace itoftool {
 
@@ -32,4 +32,4 @@ std::string TableCsv(std::span<const UnitRow> rows);
 
 }  // namespace itoftool
 
-#endif  // ITOF_TOOL_CHECK_FLEETTABLE_H_
+#endif  // ITOF_TOOL_FLEET_TABLE_H_

@@ -1,6 +1,6 @@
 // Compares the units of a fleet: calibrations of camera pairs that were built alike.
-#ifndef ITOF_TOOL_CHECK_FLEET_H_
-#define ITOF_TOOL_CHECK_FLEET_H_
+#ifndef ITOF_TOOL_FLEET_FLEET_H_
+#define ITOF_TOOL_FLEET_FLEET_H_
 
 #include <cstddef>
 #include <optional>
@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "check/fleetquantities.h"
-#include "check/fleetunit.h"
+#include "fleet/quantities.h"
+#include "fleet/unit.h"
 
 namespace itoftool {
 
@@ -62,4 +62,4 @@ std::optional<Fleet> CompareFleet(std::span<const CheckedUnit> units);
 
 }  // namespace itoftool
 
-#endif  // ITOF_TOOL_CHECK_FLEET_H_
+#endif  // ITOF_TOOL_FLEET_FLEET_H_

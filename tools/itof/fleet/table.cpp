@@ -1,5 +1,5 @@
 // Makes the table of a check of several files.
-#include "check/fleettable.h"
+#include "fleet/table.h"
 
 #include <algorithm>
 

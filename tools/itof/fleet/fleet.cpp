@@ -1,6 +1,6 @@
 // Finds the units of a fleet that deviate from the rest. Medians describe the fleet, because they hardly change if some
 // units are defective; means and standard deviations would follow the defects and hide them.
-#include "check/fleet.h"
+#include "fleet/fleet.h"
 
 #include <algorithm>
 #include <cmath>

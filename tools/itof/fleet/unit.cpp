@@ -1,5 +1,5 @@
 // Checks one of several calibration files, and sums up what was found.
-#include "check/fleetunit.h"
+#include "fleet/unit.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,5 +1,5 @@
 // Measures the quantities in which the units of a fleet are compared.
-#include "check/fleetquantities.h"
+#include "fleet/quantities.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 // Checks one of several calibration files, and sums up what was found.
-#ifndef ITOF_TOOL_CHECK_FLEETUNIT_H_
-#define ITOF_TOOL_CHECK_FLEETUNIT_H_
+#ifndef ITOF_TOOL_FLEET_UNIT_H_
+#define ITOF_TOOL_FLEET_UNIT_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -47,4 +47,4 @@ std::optional<double> LargestEffect(const Findings& findings);
 
 }  // namespace itoftool
 
-#endif  // ITOF_TOOL_CHECK_FLEETUNIT_H_
+#endif  // ITOF_TOOL_FLEET_UNIT_H_

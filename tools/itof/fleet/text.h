@@ -1,11 +1,11 @@
 // Writes what a fleet's comparison found, as text for a terminal.
-#ifndef ITOF_TOOL_CHECK_FLEETTEXT_H_
-#define ITOF_TOOL_CHECK_FLEETTEXT_H_
+#ifndef ITOF_TOOL_FLEET_TEXT_H_
+#define ITOF_TOOL_FLEET_TEXT_H_
 
 #include <span>
 #include <string>
 
-#include "check/fleet.h"
+#include "fleet/fleet.h"
 
 namespace itoftool {
 
@@ -15,4 +15,4 @@ std::string FleetText(const Fleet& fleet, std::span<const CheckedUnit> units, bo
 
 }  // namespace itoftool
 
-#endif  // ITOF_TOOL_CHECK_FLEETTEXT_H_
+#endif  // ITOF_TOOL_FLEET_TEXT_H_

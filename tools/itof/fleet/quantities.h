@@ -1,12 +1,12 @@
 // Defines the quantities in which the units of a fleet are compared.
-#ifndef ITOF_TOOL_CHECK_FLEETQUANTITIES_H_
-#define ITOF_TOOL_CHECK_FLEETQUANTITIES_H_
+#ifndef ITOF_TOOL_FLEET_QUANTITIES_H_
+#define ITOF_TOOL_FLEET_QUANTITIES_H_
 
 #include <span>
 #include <string>
 #include <vector>
 
-#include "check/fleetunit.h"
+#include "fleet/unit.h"
 
 namespace itoftool {
 
@@ -38,4 +38,4 @@ std::vector<Quantity> MeasureQuantities(std::span<const CheckedUnit* const> unit
 
 }  // namespace itoftool
 
-#endif  // ITOF_TOOL_CHECK_FLEETQUANTITIES_H_
+#endif  // ITOF_TOOL_FLEET_QUANTITIES_H_
