@@ -25,6 +25,7 @@ namespace {
 
 struct CheckOptions {
   std::vector<std::string> paths;
+  std::string reference;  // empty if not given
   bool verbose = false, json = false, csv = false;
 };
 
@@ -60,19 +61,21 @@ std::vector<Input> FindInputs(const std::vector<std::string>& paths) {
   return inputs;
 }
 
-CheckedUnit CheckInput(const Input& input) {
+using Reference = std::optional<itof::CalibrationRecord>;
+
+CheckedUnit CheckInput(const Input& input, const Reference& reference) {
   const std::string path = input.path.string();
   if (!input.failure.empty()) throw DataError(input.failure);
-  return CheckUnit(path, ReadFile(input.path));
+  return CheckUnit(path, ReadFile(input.path), reference);
 }
 
 /// Checks all inputs. One that cannot be read becomes a unit that says why, so that the others are still checked.
-std::vector<CheckedUnit> CheckInputs(const std::vector<Input>& inputs) {
+std::vector<CheckedUnit> CheckInputs(const std::vector<Input>& inputs, const Reference& reference) {
   std::vector<CheckedUnit> units;
   const Progress progress(inputs.size(), "files");
   for (const Input& input : inputs) {
     try {
-      units.push_back(CheckInput(input));
+      units.push_back(CheckInput(input, reference));
     } catch (const DataError& failure) {
       const std::string path = input.path.string(), text = failure.what(), prefix = path + ": ";
       units.push_back(UnreadableUnit(path, text.starts_with(prefix) ? text.substr(prefix.size()) : text));
@@ -113,7 +116,10 @@ void PrintUnits(const CheckOptions& options, const std::vector<CheckedUnit>& uni
 void Check(const CheckOptions& options) {
   const std::vector<Input> inputs = FindInputs(options.paths);
   const bool isSingle = inputs.size() == 1;
-  const std::vector<CheckedUnit> units = isSingle ? std::vector{CheckInput(inputs.front())} : CheckInputs(inputs);
+  Reference reference;
+  if (!options.reference.empty()) reference = ReadCalibrationFile(options.reference).record;
+  const std::vector<CheckedUnit> units =
+      isSingle ? std::vector{CheckInput(inputs.front(), reference)} : CheckInputs(inputs, reference);
   const std::optional<Fleet> fleet = CompareFleet(units);
   const std::vector<UnitRow> rows = MakeRows(units, fleet);
   const bool isText = !options.json && !options.csv;
@@ -140,6 +146,13 @@ void AddCheckCommand(CLI::App& calibration) {
                    "Calibration files of 228 bytes, or folders: of these every file of 228 bytes or named *.bin")
       ->required()
       ->type_name("");
+  command
+      ->add_option(
+          "--reference", options->reference,
+          "Calibration file of a unit that is known to be good: prints what the files have beyond it, and how far "
+          "pixels are from its")
+      ->check(EmptyFault)
+      ->type_name("GOOD");
   CLI::Option* verbose = command->add_flag("--verbose", options->verbose,
                                            "Prints all findings of several files too, and the fleet's medians");
   CLI::Option* json = command->add_flag("--json", options->json, kJsonHelp)->excludes(verbose);

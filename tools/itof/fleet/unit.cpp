@@ -5,18 +5,21 @@
 #include <iterator>
 
 #include "check/checkedpair.h"
+#include "check/reference.h"
 
 namespace itoftool {
 
 std::vector<cv::Point> FleetPixels() { return TofPixels(16); }
 
-CheckedUnit CheckUnit(const std::string& path, std::span<const uint8_t> bytes) {
+CheckedUnit CheckUnit(const std::string& path, std::span<const uint8_t> bytes,
+                      const std::optional<itof::CalibrationRecord>& reference) {
   CheckedUnit unit{.path = path, .findings = {}, .content = {}, .record = {}};
   const auto used = bytes.first(std::min(bytes.size(), itof::kCalibrationRecordSize));
   unit.content.assign(used.begin(), used.end());
   unit.record = CheckFile(bytes, unit.findings);
   if (!unit.record) return unit;
-  std::ranges::move(CheckGeometry(*unit.record), std::back_inserter(unit.findings));
+  std::ranges::move(reference ? CheckAgainst(*reference, *unit.record) : CheckGeometry(*unit.record),
+                    std::back_inserter(unit.findings));
   const RunTables tables(*unit.record, 1);
   for (size_t i = 0; i < std::size(kCompareDepths); ++i) {
     unit.positions[i] = AlignedPositions(tables, FleetPixels(), kCompareDepths[i]);

@@ -29,8 +29,9 @@ struct CheckedUnit {
 /// the positions of all its units.
 std::vector<cv::Point> FleetPixels();
 
-/// Checks the bytes of a file.
-CheckedUnit CheckUnit(const std::string& path, std::span<const uint8_t> bytes);
+/// Checks the bytes of a file, against the calibration of a good unit if one is given.
+CheckedUnit CheckUnit(const std::string& path, std::span<const uint8_t> bytes,
+                      const std::optional<itof::CalibrationRecord>& reference);
 
 /// The name of the only finding of a file that cannot be read; its text is the reason.
 inline constexpr char kUnreadable[] = "unreadable";
