@@ -76,9 +76,15 @@ std::string Fraction(double value) { return Text("1/", 1 / value, 2, ""); }
 std::string PerFrame(double value) { return Text("", value, 3, ""); }
 std::string KiB(double value) { return Text("", value, 0, " KiB"); }
 
-void PrintRow(const char* title, const std::string& ours, const std::string& reference, const std::string& figure,
-              const std::string& limit, const std::string& goal, const char* verdict) {
-  std::printf("%-56s %9s %9s %9s %9s %8s  %s\n", title, ours.c_str(), reference.c_str(), figure.c_str(), limit.c_str(),
+/// Begins a row, before what can be a long measurement.
+void PrintTitle(const char* title) {
+  std::printf("%-56s", title);
+  std::fflush(stdout);
+}
+
+void PrintFigures(const std::string& ours, const std::string& reference, const std::string& figure,
+                  const std::string& limit, const std::string& goal, const char* verdict) {
+  std::printf(" %9s %9s %9s %9s %8s  %s\n", ours.c_str(), reference.c_str(), figure.c_str(), limit.c_str(),
               goal.c_str(), verdict);
   std::fflush(stdout);
 }
@@ -90,12 +96,12 @@ struct Target {
   double goal;
 };
 
-/// Prints a row and returns whether the figure is within its limit. `format` formats the three numbers of the target.
-bool ReportTarget(const char* title, const std::string& ours, const std::string& reference, const Target& target,
+/// Ends a row and returns whether the figure is within its limit. `format` formats the three numbers of the target.
+bool ReportTarget(const std::string& ours, const std::string& reference, const Target& target,
                   std::string (*format)(double)) {
   const bool within = target.figure <= target.limit;
-  PrintRow(title, ours, reference, format(target.figure), format(target.limit), format(target.goal),
-           within ? "ok" : "EXCEEDED");
+  PrintFigures(ours, reference, format(target.figure), format(target.limit), format(target.goal),
+               within ? "ok" : "EXCEEDED");
   return within;
 }
 
@@ -110,27 +116,31 @@ bool MeasureTargets(const std::vector<Workload>& workloads) {
   };
   silently([&] { return TimeOnce(firstFrame); });  // builds the run's tables for the steady frames
 
-  PrintRow("", "ours", "reference", "figure", "limit", "goal", "");
+  PrintTitle("");
+  PrintFigures("ours", "reference", "figure", "limit", "goal", "");
   bool all = true;
   for (const Comparison& c : kComparisons) {
+    PrintTitle(c.title);
     const Times times = silently([&] { return TakeTurns(Find(workloads, c.ours), Find(workloads, c.reference)); });
-    all &= ReportTarget(c.title, Milliseconds(times.ours), Milliseconds(times.reference),
+    all &= ReportTarget(Milliseconds(times.ours), Milliseconds(times.reference),
                         {times.ours / times.reference, c.limit, c.goal}, c.limit < 0.5 ? Fraction : Factor);
   }
 
+  PrintTitle("99th percentile over median, against that of cv::remap");
   const Tails tails = silently([&] { return MeasureTails(steadyFrame, Find(workloads, "cv::remap")); });
   const auto& [quiet, busy] = tails;
-  all &= ReportTarget("99th percentile over median, against that of cv::remap", Factor(quiet.ours),
-                      Factor(quiet.reference), {quiet.ours / quiet.reference, 1.3, 1.0}, Factor);
+  all &= ReportTarget(Factor(quiet.ours), Factor(quiet.reference), {quiet.ours / quiet.reference, 1.3, 1.0}, Factor);
   if (busy) {
-    PrintRow("  the same with a busy second process", Factor(busy->ours), Factor(busy->reference),
-             Factor(busy->ours / busy->reference), "-", "-", "");
+    PrintTitle("  the same with a busy second process");
+    PrintFigures(Factor(busy->ours), Factor(busy->reference), Factor(busy->ours / busy->reference), "-", "-", "");
   }
 
+  PrintTitle("page faults per steady frame, after the first three");
   const double faults = silently([&] { return PageFaultsPerFrame(firstFrame, steadyFrame); });
-  all &= ReportTarget("page faults per steady frame, after the first three", "", "", {faults, 0, 0}, PerFrame);
+  all &= ReportTarget("", "", {faults, 0, 0}, PerFrame);
+  PrintTitle("growth of resident memory, frame 1,000 to 100,000");
   const double growth = silently([&] { return ResidentGrowth(firstFrame, steadyFrame); });
-  all &= ReportTarget("growth of resident memory, frame 1,000 to 100,000", "", "", {growth, 64, 0}, KiB);
+  all &= ReportTarget("", "", {growth, 64, 0}, KiB);
   return all;
 }
 
