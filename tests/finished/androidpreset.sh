@@ -9,7 +9,7 @@ trap 'rm -rf "$folder"' EXIT
 cp -r "$source"/{CMakeLists.txt,CMakePresets.json,cmake,platform,scripts,system,tools,tests} "$folder"
 cp -r "$source/tests/finished/androidndk" "$folder/ndk"
 cp -r "$source/build/libc++-arm64" "$folder/ndk/sysroot"
-export ANDROID_NDK_HOME=$folder/ndk OpenCV_DIR=$folder/cmake/debian-arm64 CLI11_DIR=$folder/cli11/share/cmake/CLI11
+export ANDROID_NDK_HOME=$folder/ndk OpenCV_DIR=$folder/cmake/debian CLI11_DIR=$folder/cli11/share/cmake/CLI11
 mkdir -p "$folder"/cli11/{include,share/cmake}
 cp -r /usr/include/CLI "$folder/cli11/include"
 cp -r /usr/share/cmake/CLI11 "$folder/cli11/share/cmake"

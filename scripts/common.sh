@@ -1,0 +1,54 @@
+# shellcheck shell=bash
+# What the other scripts share. They source it first: it goes to the repository's root and answers --help with the first
+# comment of the script.
+
+script=$(realpath "$0")
+cd "$(dirname "$script")/.."
+name=scripts/${script##*/}
+
+# Ends with one line on standard error. Usage: fail MESSAGE [EXITCODE]
+fail() {
+  printf '%s: %s\n' "$name" "$1" >&2
+  exit "${2:-1}"
+}
+usage() { fail "${1:+$1; }usage: $(sed -n 's/^# Usage: //p' "$script")" 2; }
+
+if [[ ${1:-} == --help || ${1:-} == -h ]]; then
+  sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$script"
+  exit
+fi
+
+# Refuses a preset that is not in a list (buildPresets, testPresets) of CMakePresets.json. Usage: check_preset LIST PRESET
+check_preset() {
+  local known
+  known=$(sed -n "/\"$1\": \[/,/^  \]/s/.*\"configurePreset\": \"\([^\"]*\)\".*/\1/p" CMakePresets.json)
+  [ -n "$2" ] || usage "PRESET is missing: one of ${known//$'\n'/, }"
+  grep -qxF -- "$2" <<<"$known" || usage "no preset $2; PRESET is one of ${known//$'\n'/, }"
+}
+
+# Refuses a folder below the root that cannot be written, or any of its files. Usage: check_writable FOLDER
+check_writable() {
+  local path=$1 locked
+  while [ ! -e "$path" ]; do path=$(dirname "$path"); done
+  [ -w "$path" ] || fail "cannot write to $(realpath "$path"), which belongs to $(stat -c %U "$path"); copy the sources to a folder of your own"
+  [ "$path" = "$1" ] || return 0
+  locked=$(find "$path" ! -type l ! -writable -print -quit)
+  [ -z "$locked" ] || fail "cannot write $locked, which belongs to $(stat -c %U "$locked"); remove $path and start again"
+}
+
+# Runs a command that prints nothing. On a terminal, says every ten seconds that it still runs.
+# Usage: alive DESCRIPTION COMMAND...
+alive() {
+  local description=$1 status=0 ticker
+  shift
+  if [ ! -t 2 ]; then
+    "$@"
+    return
+  fi
+  while sleep 10 && kill -0 $$ 2>/dev/null; do printf '%s: %s s\n' "$description" "$SECONDS" >&2; done &
+  ticker=$!
+  "$@" || status=$?
+  kill "$ticker" 2>/dev/null || true
+  wait "$ticker" 2>/dev/null || true
+  return "$status"
+}
