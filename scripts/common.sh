@@ -18,7 +18,8 @@ if [[ ${1:-} == --help || ${1:-} == -h ]]; then
   exit
 fi
 
-# Refuses a preset that is not in a list (buildPresets, testPresets) of CMakePresets.json. Usage: check_preset LIST PRESET
+# Refuses a preset that is not in a list of CMakePresets.json: buildPresets or testPresets.
+# Usage: check_preset LIST PRESET
 check_preset() {
   local known
   known=$(sed -n "/\"$1\": \[/,/^  \]/s/.*\"configurePreset\": \"\([^\"]*\)\".*/\1/p" CMakePresets.json)
@@ -28,12 +29,15 @@ check_preset() {
 
 # Refuses a folder below the root that cannot be written, or any of its files. Usage: check_writable FOLDER
 check_writable() {
-  local path=$1 locked
+  local path=$1 locked= mend="copy the sources to a folder of your own"
   while [ ! -e "$path" ]; do path=$(dirname "$path"); done
-  [ -w "$path" ] || fail "cannot write to $(realpath "$path"), which belongs to $(stat -c %U "$path"); copy the sources to a folder of your own"
-  [ "$path" = "$1" ] || return 0
-  locked=$(find "$path" ! -type l ! -writable -print -quit)
-  [ -z "$locked" ] || fail "cannot write $locked, which belongs to $(stat -c %U "$locked"); remove $path and start again"
+  if [ "$path" = "$1" ]; then
+    mend="remove $path, or $mend"
+    locked=$(find "$path" ! -type l ! -writable -print -quit 2>/dev/null || true)
+  elif [ ! -w "$path" ]; then
+    locked=$path
+  fi
+  [ -z "$locked" ] || fail "cannot write to $(realpath "$locked"), which belongs to $(stat -c %U "$locked"); $mend"
 }
 
 # Runs a command that prints nothing. On a terminal, says every ten seconds that it still runs.
