@@ -67,6 +67,11 @@ TEST_F(InspectionToolTest, ShowDescribesEqualCamerasSideBySide) {
 
 TEST_F(InspectionToolTest, CheckPrintsFindingsAndFailsOnErrors) {
   ExpectOutput("calibration check apart.bin", {"apart.bin: 0 errors, 0 warnings\n"});
+  // Against a reference, findings that it has too are left out.
+  ExpectOutput(
+      "calibration check --reference good.bin apart.bin",
+      {"warning [reference]", "12.8 pixels at 1 m (at most 12.8)", "No other reading is", "0 errors, 1 warning\n"});
+  ExpectOutput("calibration check --reference good.bin good.bin", {"good.bin: 0 errors, 0 warnings, 1 note\n"});
   ExpectOutput("calibration check good.bin",
                {"warning [no-extrinsics]\n  The rotation is", "\n  What to do: ", "good.bin: 0 errors, 1 warning\n"});
   const Result result = Run("calibration check bad.bin");
@@ -155,6 +160,7 @@ TEST_F(InspectionToolTest, FailuresPrintOneLine) {
   ExpectFailure(1, "calibration show short.bin", "short.bin*227*228");
   ExpectFailure(1, "calibration show missing.bin", "missing.bin*No such file");
   ExpectFailure(1, "calibration check missing.bin", "missing.bin*No such file");
+  ExpectFailure(1, "calibration check --reference short.bin good.bin", "short.bin*227 bytes");
   ExpectFailure(1, "calibration diff good.bin short.bin", "short.bin*227*228");
   ExpectFailure(2, "explain --calibration good.bin --at 640,1 --code 5", "--at: (640, 1) is not in the frame");
   ExpectFailure(2, "explain --calibration good.bin --at 010,020 --code 5", "--at*010*decimal");

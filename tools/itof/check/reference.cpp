@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "calibration/calibrationcheck.h"
+#include "check/flaws.h"
 #include "check/readings.h"
 #include "inspection/comparison.h"
 #include "inspection/pixeltrace.h"
@@ -67,15 +68,22 @@ struct Candidate {
   Distance left;
 };
 
+int CountFlaws(const itof::CalibrationRecord& record) {
+  const Flaws flaws = MeasureFlaws(record, MakeCameraPair(record));
+  return static_cast<int>(std::ranges::count_if(flaws.sizes, [](double size) { return size > 1; }));
+}
+
 /// The readings that bring the calibration near the reference, the nearest first.
 std::vector<Candidate> NearReadings(const Comparison& comparison, const Landing& good,
                                     const itof::CalibrationRecord& record, double worst) {
   constexpr double kNear = 1.0 / 3, kAsNear = 1.5;
   constexpr size_t kMost = 4;
+  const int flaws = CountFlaws(record);
   std::vector<Candidate> near;
   for (const Reading& reading : Readings()) {
     itof::CalibrationRecord other = record;
-    if (!reading.apply(other) || itof::FirstCalibrationFault(other)) continue;
+    // A reading that is odder than the file as written explains nothing.
+    if (!reading.apply(other) || itof::FirstCalibrationFault(other) || CountFlaws(other) > flaws) continue;
     Landing landing = comparison.Land(other);
     const Distance left = comparison.Measure(good, landing);
     if (left.worst < kNear * worst) near.push_back({&reading, std::move(landing), left});
