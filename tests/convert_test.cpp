@@ -215,6 +215,14 @@ TEST_F(ConvertTest, ImportsEveryFormat) {
   ExpectImport("raw.json --aux-window 0,180,1920,1080", Changed(fields_, {{22, {-250, 500, 1000}}}));
   ExpectFailure(2, "calibration import -o pair.bin raw.json --aux-window 0,0,1920,1440",
                 "--aux-window*16:9*0,180,1920,1080");
+  const auto refuse = [&](const std::string& part, const std::string& other, const char* pattern) {
+    std::string text = Read("raw.json");
+    text.replace(text.find(part), part.size(), other);
+    Write("other.json", text);
+    ExpectFailure(1, "calibration import -o pair.bin other.json", pattern);
+  };
+  refuse("X_BrownConrady", "X_Polynomial3K", "Intrinsics.ModelType: \"X_Polynomial3K\" is not supported");
+  refuse("8.0,0.0,0.0,4.0", "8.0,0.25,0.0,4.0", "Intrinsics.ModelParameters: has a centre of distortion");
 }
 
 TEST_F(ConvertTest, KnownButUnsuitableFilesAreRefusedByName) {

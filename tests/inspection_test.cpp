@@ -186,6 +186,8 @@ TEST(CalibrationCheck, NamesOddGeometryAndLeavesTheRestAlone) {
       {{{31, 375}}, {{"warning principal-point"}, "aux principal point (375.0, 180.0) lies 55.5 pixels right of"}},
       {{{35, 320}, {36, 180}, {31, 0}, {34, 0}},
        {{"warning matrix-form", "warning principal-point", "warning overlap"}, "The other reading is its transpose"}},
+      {{{5, 0.1F}}, {{"warning matrix-form"}, "[512, 0.1, 320;"}},
+      {{{5, 0.04F}}, {}},
       {{{7, 9}}, {{"warning matrix-form"}, "[512, 0, 320; 9, 512, 180; 0, 0, 1]"}},
       {{{29, 100}, {33, 100}}, {{"warning field-of-view"}, "sees 145.3 degrees"}},
       // Turned about x by 40 degrees: the views share nothing.
