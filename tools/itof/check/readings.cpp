@@ -111,7 +111,7 @@ void AddCameraReadings(std::vector<Reading>& readings) {
       // Fields of view that differ are common among sound pairs, too.
       add(focal + "for an image of " + size, "focal lengths for another image size", part,
           OfCamera(which,
-                   [factor](CameraFields& camera) {
+                   [factor = factor](CameraFields& camera) {
                      for (const int i : {0, 4}) camera.matrix[i] /= factor;
                    }),
           true);
@@ -234,7 +234,9 @@ void AddAxesReadings(std::vector<Reading>& readings) {
        {std::tuple("the aux camera's ", false, true), std::tuple("the ToF camera's ", true, false),
         std::tuple("both cameras' ", true, true)}) {
     for (const Axes& each : axes) {
-      const auto change = [=, matrix = each.change](const Pose& pose) { return WithAxes(pose, matrix, ofTof, ofAux); };
+      const auto change = [matrix = each.change, tof = ofTof, aux = ofAux](const Pose& pose) {
+        return WithAxes(pose, matrix, tof, aux);
+      };
       readings.push_back({std::string(owner) + each.name, each.group, ReadingPart::kExtrinsics, false, ofTof && ofAux,
                           OfPose(change)});
     }
