@@ -120,6 +120,16 @@ TEST(CalibrationCheck, NamesUnseenMistakesAgainstAReference) {
     EXPECT_EQ(std::ranges::count(finding.readings, mistake.reading, &OtherReading::name), 1)
         << mistake.name << ": " << finding.text;
   }
+  // Other mistakes, however large, are not given the name of a reading.
+  CalibrationRecord shifted = unit, turned = unit;
+  shifted.tofIntrinsics[2] -= 900;
+  const float c = std::cos(1.0F), s = std::sin(1.0F);
+  const float about[] = {c, 0, s, 0, 1, 0, -s, 0, c};
+  std::ranges::copy(about, turned.rotation);
+  for (const CalibrationRecord& broken : {shifted, turned}) {
+    const Finding finding = CheckAgainst(good, broken).back();
+    EXPECT_TRUE(finding.severity == Severity::kWarning && finding.readings.empty()) << finding.text;
+  }
   // What the good unit has too is not repeated.
   CalibrationRecord crop = good;
   crop.tofIntrinsics[2] += 70;
@@ -171,10 +181,15 @@ TEST(CalibrationCheck, NamesOddGeometryAndLeavesTheRestAlone) {
   const Case cases[] = {
       {{}, {}},
       {{{22, 0}}, {{"warning no-extrinsics"}, "42.7"}},  // 512 * 25 / 300
+      {{{22, 0}, {13, 0.8F}, {15, 0.6F}, {19, -0.6F}, {21, 0.8F}},
+       {{"warning baseline", "note overlap"}, "The translation is zero"}},
+      {{{22, 0}, {31, 3000}},
+       {{"warning principal-point", "warning field-of-view", "warning no-extrinsics", "error overlap"},
+        "no ToF pixel lands"}},
       {{{22, -0.03F}},
        {{"warning baseline"},
-        "is 0.05 pixels. Another reading does not have this fault: the translation in metres (30 mm apart; moves"}},
-      {{{22, -30000}}, {{"warning baseline"}, "the translation in micrometres (30 mm apart"}},
+        "is 0.05 pixels. With another reading this is better: the translation in metres (30 mm apart; moves"}},
+      {{{22, -30000}}, {{"warning baseline", "error overlap"}, "the translation in micrometres (30 mm apart"}},
       {{{22, 5}, {24, 31}}, {{"warning axial-translation"}, "(5, 0, 31) is mostly along the optical axis"}},
       {{{14, 0.002F}}, {{"error rotation"}, "0.002 off the identity"}},
       {{{13, -1}}, {{"error mirror"}, "left and right"}},
@@ -194,7 +209,8 @@ TEST(CalibrationCheck, NamesOddGeometryAndLeavesTheRestAlone) {
       {{{17, c}, {18, -s}, {20, s}, {21, c}}, {{"error overlap"}, "As written, 0, 0 and 0 % of the ToF pixels"}},
       // The same with a ToF frame cut such that the aux camera sees it with the transposed rotation only.
       {{{9, 620}, {17, c}, {18, -s}, {20, s}, {21, c}},
-       {{"warning principal-point", "error overlap"}, "this fault: the rotation transposed (100, 100 and 100 % land;"}},
+       {{"warning principal-point", "error overlap"},
+        "this is better: the rotation transposed (100, 100 and 100 % land;"}},
       // Coefficients as large as a real camera's, whose numerator and denominator cancel.
       {{{39, 5}, {40, 8}, {43, 3}, {44, 5}, {45, 8}, {46, 3}, {47, 7}, {52, 7}}, {}},
       {{{47, -0.6F}}, {{"error lens-range"}, "aux camera is valid up to 36.7 degrees off its axis, 254 pixels"}},

@@ -160,6 +160,7 @@ TEST_F(InspectionToolTest, FailuresPrintOneLine) {
   ExpectFailure(1, "calibration show short.bin", "short.bin*227*228");
   ExpectFailure(1, "calibration show missing.bin", "missing.bin*No such file");
   ExpectFailure(1, "calibration check missing.bin", "missing.bin*No such file");
+  ExpectFailure(1, "calibration check --reference bad.bin good.bin", "bad.bin: is not a good unit: 1 error");
   ExpectFailure(1, "calibration check --reference short.bin good.bin", "short.bin*227 bytes");
   ExpectFailure(1, "calibration diff good.bin short.bin", "short.bin*227*228");
   ExpectFailure(2, "explain --calibration good.bin --at 640,1 --code 5", "--at: (640, 1) is not in the frame");

@@ -35,7 +35,8 @@ Verdict VerdictOn(const Mistake& mistake, const CalibrationRecord& sound) {
     const bool isKnown = std::ranges::any_of(
         known, [&](const Finding& other) { return other.name == finding.name && other.camera == finding.camera; });
     if (isKnown) continue;
-    const bool isRight = std::ranges::find(mistake.codes, finding.name) != mistake.codes.end() ||
+    const bool isNamed = std::ranges::find(mistake.codes, finding.name) != mistake.codes.end();
+    const bool isRight = ((finding.readings.empty() || mistake.reading.empty()) && isNamed) ||
                          std::ranges::any_of(finding.readings, [&](const OtherReading& named) {
                            if (named.name == mistake.reading) return true;
                            const auto& all = Readings();

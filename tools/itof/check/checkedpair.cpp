@@ -20,7 +20,7 @@ struct Candidate {
 };
 
 std::string MovedText(const Spread& moved, size_t pixels) {
-  if (moved.count < pixels / 20) return "hardly any pixel lands with both";
+  if (moved.count < pixels / 20) return "hardly any pixel lands with both readings";
   return Format("moves positions at 1 m by a median of %.1f pixels and at most %.1f", moved.median, moved.maximum);
 }
 
@@ -72,7 +72,7 @@ Alternatives CheckedPair::ReadingsWithout(Flaw flaw,
   }
   if (texts.empty()) return alternatives;
   alternatives.text =
-      texts.size() == 1 ? " Another reading does not have this fault: " : " Other readings do not have this fault: ";
+      texts.size() == 1 ? " With another reading this is better: " : " With other readings this is better: ";
   for (const std::string& text : texts) alternatives.text += (&text == &texts.front() ? "" : "; ") + text;
   alternatives.text += ".";
   return alternatives;

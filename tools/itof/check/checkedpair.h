@@ -18,7 +18,7 @@
 
 namespace itoftool {
 
-/// Other readings of a calibration that do not have a flaw.
+/// Other readings of a calibration without a flaw, or with much less of it.
 struct Alternatives {
   std::vector<OtherReading> readings;  // the likeliest first
   bool areWeak = false;                // whether they would remove such a flaw from nearly any calibration

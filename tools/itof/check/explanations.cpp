@@ -15,7 +15,7 @@ namespace {
 bool IsRemoved(Flaw flaw, const Flaws& written, const Flaws& other) {
   constexpr double kClearly = 0.8;
   if (!written.Has(flaw)) return false;
-  // Sound pairs may point apart, or see different parts of the scene. A reading that makes this much less counts.
+  // Sound pairs may point apart, or see different parts of the scene. A reading counts if it reduces this clearly.
   if (flaw == Flaw::kAim) return other.centresApart < std::min(15.0, written.centresApart / 2);
   if (flaw == Flaw::kOverlap) return other.MeanShare() > (written.MeanShare() == 0 ? 0.35 : 0.8);
   // There is no roll between views in opposite directions.
@@ -23,7 +23,7 @@ bool IsRemoved(Flaw flaw, const Flaws& written, const Flaws& other) {
   return !other.Has(flaw) && other.Size(flaw) < kClearly * written.Size(flaw);
 }
 
-/// Whether the flaws that a reading removes speak for it. Weak readings remove common flaws of sound pairs.
+/// Whether the flaws that a reading removes count in its favour. Weak readings remove common flaws of sound pairs.
 bool IsWorthNaming(const Reading& reading, const Flaws& written, const std::bitset<kFlawCount>& removed) {
   if (!reading.isWeak) return true;
   const bool isPose = reading.part == ReadingPart::kExtrinsics;

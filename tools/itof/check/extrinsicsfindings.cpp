@@ -44,7 +44,7 @@ bool CheckOverlap(const CheckedPair& checked, Findings& findings) {
 
 /// Checks that neither picture is turned about the optical axis. Returns whether one is.
 bool CheckRoll(const CheckedPair& checked, Findings& findings) {
-  const auto turned = [](const Explanation& other) { return Format("turned by %.1f degrees", other.flaws.roll); };
+  const auto turned = [](const Explanation& other) { return Format("then %.1f degrees", other.flaws.roll); };
   if (!checked.flaws.Has(Flaw::kRoll)) return false;
   const Alternatives others = checked.ReadingsWithout(Flaw::kRoll, turned);
   const std::string tried = " No other reading is clearly better; tried: " + TriedReadings(Flaw::kRoll) + ".";
@@ -92,7 +92,13 @@ void CheckBaseline(const CheckedPair& checked, Findings& findings) {
          "These look like default values. If the pair has been calibrated, write the result."});
     return;
   }
-  if (baseline > 0 && !checked.flaws.Has(Flaw::kBaseline)) return;
+  if (baseline == 0) {
+    findings.push_back({Severity::kWarning, "baseline", "",
+                        "The translation is zero: both cameras are in one place, and depth moves no pixel.",
+                        "Write the translation of the stereo calibration."});
+    return;
+  }
+  if (!checked.flaws.Has(Flaw::kBaseline)) return;
   const Alternatives others = checked.ReadingsWithout(
       Flaw::kBaseline, [](const Explanation& other) { return Format("%.4g mm apart", other.flaws.baseline); });
   findings.push_back(
@@ -152,11 +158,17 @@ void CheckTranslation(const CheckedPair& checked, Findings& findings) {
 }
 
 void CheckDirection(const CheckedPair& checked, Findings& findings) {
-  if (checked.flaws.Has(Flaw::kMirror) || HasNoExtrinsics(checked)) return;
+  if (checked.flaws.Has(Flaw::kMirror)) return;
   // One finding is enough for readings that remove several of these flaws.
-  if (CheckRoll(checked, findings) || checked.flaws.baseline > kLongestBaseline) return;
+  if (HasNoExtrinsics(checked) || CheckRoll(checked, findings) || checked.flaws.baseline > kLongestBaseline) {
+    if (checked.flaws.MeanShare() == 0) {
+      findings.push_back({Severity::kError, "overlap", "", "As written, no ToF pixel lands at 0.3, 1 or 3 m.",
+                          "See the findings before this one."});
+    }
+    return;
+  }
   if (CheckOverlap(checked, findings)) return;
-  // A camera that is wrong by itself points anywhere.
+  // If a camera's own parameters are wrong, its direction means nothing.
   for (const Flaw flaw : {Flaw::kTofLensRange, Flaw::kAuxLensRange, Flaw::kTofFieldOfView, Flaw::kAuxFieldOfView,
                           Flaw::kTofFocalLengths, Flaw::kAuxFocalLengths}) {
     if (checked.flaws.Has(flaw)) return;

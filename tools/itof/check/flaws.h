@@ -37,7 +37,7 @@ inline constexpr size_t kFlawCount = static_cast<size_t>(Flaw::kAxialTranslation
 /// devices are smaller. Millimetres.
 inline constexpr double kShortestBaseline = 5, kLongestBaseline = 200;
 
-/// What speaks against a calibration, and the numbers behind it.
+/// The flaws of a calibration, and the measurements they come from.
 struct Flaws {
   /// How large each flaw is, as a multiple of what sound pairs have at most.
   std::array<double, kFlawCount> sizes{};

@@ -33,7 +33,7 @@ void CheckReach(const CheckedPair& checked, const char* name, Flaw flaw, const C
                   std::atan(reach) * kDegrees) +
            (folds ? Format(", %.0f pixels from the principal point. There it folds back. ", circle)
                   : ", where its denominator vanishes. ") +
-           (std::isnan(used) ? "Some corners of the frame lie farther out, where no ray arrives."
+           (std::isnan(used) ? "Some corners of the frame lie farther out, which the lens model does not reach."
                              : Format("Pixels are used up to %.1f degrees.", std::atan(used) * kDegrees));
   }
   const Alternatives others = checked.ReadingsWithout(flaw);

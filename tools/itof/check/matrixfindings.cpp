@@ -27,7 +27,7 @@ void ReportFractions(const CheckedPair& checked, const CameraFields& written, Fi
   findings.push_back(
       {checked.flaws.MeanShare() > 0 ? Severity::kWarning : Severity::kError, "normalised", written.Name(),
        Format("The %s matrix has fx %.3f, fy %.3f, cx %.3f, cy %.3f. These are fractions of the image size, not "
-              "pixels: as written, the image is %.1f x %.1f focal lengths large. The other reading is fx %.1f, fy "
+              "pixels: as written, the image measures %.1f x %.1f focal lengths. The other reading is fx %.1f, fy "
               "%.1f, cx %.1f, cy %.1f. ",
               written.Name(), fx, fy, cx, cy, width / fx, height / fy, inPixels.Fx(), inPixels.Fy(), inPixels.Cx(),
               inPixels.Cy()) +
@@ -57,7 +57,7 @@ void CheckForm(const CheckedPair& checked, const CameraFields& written, Findings
       {Severity::kWarning, "matrix-form", written.Name(),
        Format("The %s matrix is %s, not of the form [fx, 0, cx; 0, fy, cy; 0, 0, 1]. The other reading %s. ",
               written.Name(), MatrixText(cv::Matx33d(m)).c_str(),
-              isTransposed ? "is its transpose" : "has these zeros and this one") +
+              isTransposed ? "is its transpose" : "sets those entries to 0 and the last to 1") +
            checked.Effect(WithCamera(checked.record, other)),
        "Write the nine entries row by row. The alignment does not support skew: the far-plane step would apply it, the "
        "lens table would not."});

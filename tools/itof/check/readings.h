@@ -19,11 +19,16 @@ struct Reading {
   ReadingPart part;
   /// True if the reading removes flaws that many sound pairs have, such as views that point apart.
   bool isWeak;
-  /// True if the reading is as sound as the file as written, so that only a comparison with another unit can tell.
+  /// True if the reading is as sound as the file as written, so that only a comparison with another unit can
+  /// tell which is right.
   bool needsReference;
   /// Changes a record from what is written to what is meant. Returns false if the record has no such reading.
   std::function<bool(itof::CalibrationRecord& record)> apply;
 };
+
+/// Append the readings of matrices and lenses, and those of rotation and translation.
+void AddCameraReadings(std::vector<Reading>& readings);
+void AddPoseReadings(std::vector<Reading>& readings);
 
 /// All readings, those of the cameras before those of the extrinsics, and the commoner ones first.
 const std::vector<Reading>& Readings();

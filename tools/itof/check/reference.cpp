@@ -1,9 +1,9 @@
-// Compares where a calibration and each of its readings put pixels with where the reference puts them. This also tells
-// readings apart that are as sound as the file as written, such as a translation with the opposite sign.
+// Compares where a calibration and each of its readings put pixels with where the reference puts them. This also
+// distinguishes readings that are as sound as the file itself, such as a translation with the opposite sign.
 #include "check/reference.h"
 
 #include <algorithm>
-#include <array>
+#include <limits>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,12 +18,15 @@
 namespace itoftool {
 namespace {
 
+// Pixels. The latter is 5 % of the frame's width.
+constexpr double kTolerance = 2, kApart = 32;
+
 /// Where pixels land, at each of kCompareDepths.
-using Landing = std::array<std::vector<cv::Point2d>, std::size(kCompareDepths)>;
+using Landing = PerDepth<std::vector<cv::Point2d>>;
 
 /// The distance of one landing from another.
 struct Distance {
-  std::array<Spread, std::size(kCompareDepths)> spreads;
+  PerDepth<Spread> spreads;
   double worst = 0;  // largest median, pixels; infinite if no pixel lands with both at a depth
 };
 
@@ -40,7 +43,8 @@ class Comparison {
     Distance distance;
     for (size_t i = 0; i < a.size(); ++i) {
       const Spread& spread = distance.spreads[i] = MeasureSpread(pixels_, a[i], b[i]);
-      distance.worst = std::max(distance.worst, spread.count > 0 ? spread.median : HUGE_VAL);
+      distance.worst =
+          std::max(distance.worst, spread.count > 0 ? spread.median : std::numeric_limits<double>::infinity());
     }
     return distance;
   }
@@ -51,6 +55,8 @@ class Comparison {
 
 /// E.g. "12.3 pixels at 0.3 m (at most 15.8), ...".
 std::string DistanceText(const Distance& distance) {
+  const auto isEmpty = [](const Spread& spread) { return spread.count == 0; };
+  if (std::ranges::all_of(distance.spreads, isEmpty)) return "no pixel lands with both";
   std::vector<std::string> parts;
   for (size_t i = 0; i < distance.spreads.size(); ++i) {
     const Spread& spread = distance.spreads[i];
@@ -68,6 +74,11 @@ struct Candidate {
   Distance left;
 };
 
+itof::CalibrationRecord WithoutRotation(itof::CalibrationRecord record) {
+  std::ranges::copy(cv::Matx33f::eye().val, record.rotation);
+  return record;
+}
+
 int CountFlaws(const itof::CalibrationRecord& record) {
   const Flaws flaws = MeasureFlaws(record, MakeCameraPair(record));
   return static_cast<int>(std::ranges::count_if(flaws.sizes, [](double size) { return size > 1; }));
@@ -78,15 +89,20 @@ std::vector<Candidate> NearReadings(const Comparison& comparison, const Landing&
                                     const itof::CalibrationRecord& record, double worst) {
   constexpr double kNear = 1.0 / 3, kAsNear = 1.5;
   constexpr size_t kMost = 4;
+  const double nearest = std::min(kNear * worst, kApart);
+  // A weak reading of the pose turns any rotation into a small one. It must be better than no rotation at all.
+  const double withoutRotation = comparison.Measure(good, comparison.Land(WithoutRotation(record))).worst;
   const int flaws = CountFlaws(record);
   std::vector<Candidate> near;
   for (const Reading& reading : Readings()) {
     itof::CalibrationRecord other = record;
-    // A reading that is odder than the file as written explains nothing.
+    // Skip readings with more flaws than the file.
     if (!reading.apply(other) || itof::FirstCalibrationFault(other) || CountFlaws(other) > flaws) continue;
     Landing landing = comparison.Land(other);
     const Distance left = comparison.Measure(good, landing);
-    if (left.worst < kNear * worst) near.push_back({&reading, std::move(landing), left});
+    const bool isWeak = reading.isWeak && reading.part == ReadingPart::kExtrinsics;
+    if (left.worst < (isWeak ? std::min(nearest, withoutRotation / 2) : nearest))
+      near.push_back({&reading, std::move(landing), left});
   }
   std::ranges::stable_sort(near, {}, [](const Candidate& each) { return each.left.worst; });
   std::vector<Candidate> named;
@@ -101,14 +117,13 @@ std::vector<Candidate> NearReadings(const Comparison& comparison, const Landing&
 
 /// How far the calibration is from the reference.
 Finding CheckDistance(const itof::CalibrationRecord& good, const itof::CalibrationRecord& record) {
-  constexpr double kTolerance = 2, kApart = 32;  // pixels; the latter is 5 % of the frame's width
   const Comparison comparison;
   const Landing expected = comparison.Land(good), written = comparison.Land(record);
   const Distance distance = comparison.Measure(expected, written);
   Finding finding{Severity::kNote, "reference", "",
                   "Median distance of aligned positions from those of the reference: " + DistanceText(distance) + ".",
-                  "Units of one model differ by their build tolerances. If this is more, find the fields that differ "
-                  "with \"itof calibration diff\"."};
+                  "Units of one model differ by their build tolerances. If the distances are larger, run \"itof "
+                  "calibration diff\" to see which fields differ."};
   std::vector<Candidate> named;
   if (distance.worst > kTolerance) named = NearReadings(comparison, expected, record, distance.worst);
   if (!named.empty()) {

@@ -8,7 +8,8 @@
 namespace itoftool {
 
 /// The findings of `record` that `good` does not have, and a finding "reference": how far aligned positions are from
-/// those of `good`, and which reading of `record` brings them near. Both records must be ones that itof_init accepts.
+/// those of `good`, and which reading of `record` brings them near. Both records must be ones that itof_init accepts, and `good` must
+/// have no errors.
 Findings CheckAgainst(const itof::CalibrationRecord& good, const itof::CalibrationRecord& record);
 
 }  // namespace itoftool

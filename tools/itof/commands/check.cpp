@@ -117,7 +117,11 @@ void Check(const CheckOptions& options) {
   const std::vector<Input> inputs = FindInputs(options.paths);
   const bool isSingle = inputs.size() == 1;
   Reference reference;
-  if (!options.reference.empty()) reference = ReadCalibrationFile(options.reference).record;
+  if (!options.reference.empty()) {
+    reference = ReadCalibrationFile(options.reference).record;
+    const Findings findings = CheckGeometry(*reference);
+    if (CountErrors(findings) > 0) throw DataError(options.reference + ": is not a good unit: " + CountText(findings));
+  }
   const std::vector<CheckedUnit> units =
       isSingle ? std::vector{CheckInput(inputs.front(), reference)} : CheckInputs(inputs, reference);
   const std::optional<Fleet> fleet = CompareFleet(units);
