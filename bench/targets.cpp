@@ -76,7 +76,7 @@ std::string Fraction(double value) { return Text("1/", 1 / value, 2, ""); }
 std::string PerFrame(double value) { return Text("", value, 3, ""); }
 std::string KiB(double value) { return Text("", value, 0, " KiB"); }
 
-/// Begins a row, before what can be a long measurement.
+/// Prints the row's title before its measurement, which may take long.
 void PrintTitle(const char* title) {
   std::printf("%-56s", title);
   std::fflush(stdout);

@@ -1,8 +1,9 @@
 # shellcheck shell=bash
-# What the other scripts share. They source it first: it goes to the repository's root and answers --help with the first
-# comment of the script.
+# Functions that the other scripts share. They source it first: it goes to the repository's root and answers --help with
+# the first comment of the script.
 
 script=$(realpath "$0")
+caller=$PWD
 cd "$(dirname "$script")/.."
 name=scripts/${script##*/}
 
@@ -17,6 +18,15 @@ if [[ ${1:-} == --help || ${1:-} == -h ]]; then
   sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$script"
   exit
 fi
+
+# Makes ITOF_REALDATA absolute, which may name a folder relative to the caller's.
+resolve_realdata() {
+  [ -n "${ITOF_REALDATA:-}" ] || return 0
+  local folder
+  folder=$(cd "$caller" && realpath -- "$ITOF_REALDATA" 2>/dev/null) && [ -d "$folder" ] ||
+    fail "ITOF_REALDATA names $ITOF_REALDATA, which is not a folder"
+  export ITOF_REALDATA=$folder
+}
 
 # Refuses a preset that is not in a list of CMakePresets.json: buildPresets or testPresets.
 # Usage: check_preset LIST PRESET
@@ -40,7 +50,7 @@ check_writable() {
   [ -z "$locked" ] || fail "cannot write to $(realpath "$locked"), which belongs to $(stat -c %U "$locked"); $mend"
 }
 
-# Runs a command that prints nothing. On a terminal, says every ten seconds that it still runs.
+# Runs a command that prints nothing. On a terminal, says every ten seconds that it is still running.
 # Usage: alive DESCRIPTION COMMAND...
 alive() {
   local description=$1 status=0 ticker

@@ -54,24 +54,24 @@ TEST_F(FleetTest, NamesPlantedDefectsAndNoSoundUnit) {
   std::ranges::transform(rotation.m, fleet[62].rotation, [](double value) { return static_cast<float>(value); });
   fleet[73].auxDistortion[0] += 0.15F;
   fleet[80].auxIntrinsics[2] += 36;  // 12 pixels of the frame
+  fleet[91].rotation[4] = 2;
   WriteFleet(fleet);
 
   const Result run = Run("calibration check fleet --json");
-  EXPECT_TRUE(run.code == 0 && run.err.empty()) << run.err;
+  EXPECT_EQ(run.code, 1) << "unit 91 has no rotation: " << run.err;
   const Json check = Json::parse(run.out);
   EXPECT_EQ(check["fleet"]["identical"], Json::parse(R"([{"files": ["fleet/044.bin", "fleet/045.bin"],
                                                            "same_bytes": true}])"));
   const auto beyond = Beyond(check);
-  const std::map<size_t, std::string> planted{{13, "translation[0]"},
-                                              {50, "tofDistortion[0]"},
-                                              {62, "turn about y"},
-                                              {73, "auxDistortion[0]"},
-                                              {80, "auxIntrinsics[2]"}};
+  const std::map<size_t, std::string> planted{{13, "translation[0]"},   {50, "tofDistortion[0]"},
+                                              {62, "turn about y"},     {73, "auxDistortion[0]"},
+                                              {80, "auxIntrinsics[2]"}, {91, "rotation not valid"}};
   EXPECT_EQ(beyond.size(), planted.size());
   for (const auto& [unit, quantity] : planted) {
     ASSERT_TRUE(beyond.contains(Name(unit))) << unit;
     EXPECT_TRUE(beyond.at(Name(unit)).contains(quantity)) << unit << ' ' << quantity;
   }
+  EXPECT_FALSE(beyond.at(Name(91)).contains("tofIntrinsics[4]"));
 }
 
 TEST_F(FleetTest, RarelyListsUnitsOfSoundFleets) {
@@ -106,7 +106,7 @@ TEST_F(FleetTest, ComparesEqualCamerasAsComputedByHand) {
     EXPECT_NEAR(farthest["moved_pixels"][row]["median"], 0.512 * 122.5 / depth, 1e-4);
   }
   EXPECT_NEAR(check["units"][5]["fleet_pixels"], 0.512 * 122.5 / 0.3, 1e-4);
-  EXPECT_EQ(check["fleet"]["quantities"].size(), 50U + 3 + 6);
+  EXPECT_EQ(check["fleet"]["quantities"].size(), 50U + 4 + 6);
   const std::string text = Run("calibration check fleet").out;
   for (const char* part : {"fleet/150.bin       0         0      0          -     209.1  -\n",
                            "  translation[0]                -150         -27.5           1.5       55.1  depth codes",
@@ -132,6 +132,9 @@ TEST_F(FleetTest, RowsSayWhatCannotBeChecked) {
   Write("some/short.BIN", apart.substr(1));
   Write("some/notes.txt", "not a calibration");
   ExpectFailure(1, "calibration check empty", "empty: is a folder without calibrations");
+  const Result alone = Run("calibration check --csv missing.bin");
+  EXPECT_TRUE(alone.code == 1 && alone.err == "itof: missing.bin: No such file or directory\n") << alone.err;
+  EXPECT_NE(alone.out.find("\nmissing.bin,1,0,0,unreadable,error,,,No such file"), std::string::npos) << alone.out;
   ExpectFailure(2, "calibration check some --csv --json", "--json excludes --csv");
 
   const std::string paths = " 'a, \"b\".bin' some empty missing.bin 'some/no extension'";
@@ -154,6 +157,8 @@ TEST_F(FleetTest, RowsSayWhatCannotBeChecked) {
   EXPECT_NE(text.out.find("error [size]\n  The file holds 227 bytes"), std::string::npos) << text.out;
   const Json check = Json::parse(json.out);
   EXPECT_TRUE(check["fleet"].is_null());
+  const Result oneLine = Run("calibration check missing.bin 'a\nb\x1b[31m'");
+  EXPECT_NE(oneLine.out.find("\na b [31m "), std::string::npos) << oneLine.out;
   const Json& finding = check["units"][2]["findings"][0];
   EXPECT_TRUE(finding["severity"] == "error" && finding["code"] == "size" && finding["readings"].empty()) << finding;
 }

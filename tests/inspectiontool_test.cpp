@@ -65,6 +65,14 @@ TEST_F(InspectionToolTest, ShowDescribesEqualCamerasSideBySide) {
                 "(320, 180)    (277.33, 180.00)    (307.20, 180.00)    (315.73, 180.00)\n", "\n  1.0 m      0.58 "});
 }
 
+TEST_F(InspectionToolTest, ShowHasNoErrorWhereNoPixelCanBeCompared) {
+  Write("far.bin", CalibrationBytes(IdentityCalibration({{22, -25000}})));
+  for (const auto& error : JsonOf("calibration show --json far.bin")["alignment_error_pixels"]) {
+    EXPECT_TRUE(error["pixels_compared"] == 0 && error["median"].is_null() && error["maximum"].is_null()) << error;
+  }
+  ExpectOutput("calibration show far.bin", {"\n  1.0 m     no pixel can be compared  "});
+}
+
 TEST_F(InspectionToolTest, CheckPrintsFindingsAndFailsOnErrors) {
   ExpectOutput("calibration check apart.bin", {"apart.bin: 0 errors, 0 warnings\n"});
   // Against a reference, findings that it has too are left out.

@@ -7,7 +7,8 @@
 namespace itof {
 
 /// While it exists, this thread computes in the default floating-point environment: rounds to nearest, traps nothing,
-/// keeps denormal numbers. Its end, also by an exception, restores the environment of its beginning, with its flags.
+/// keeps denormal numbers. The destructor restores the host's environment,
+/// including its exception flags, even after an exception.
 ///
 /// Compilers may move arithmetic across its beginning and end. A function that creates one must therefore compute
 /// nothing itself, and must call a function that cannot be inlined for everything else.

@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <exception>
 #include <new>
@@ -35,6 +36,7 @@ void OpenStandardStreams() {
 
 /// Runs the command, or prints help. Throws for every failure.
 void RunCommand(CLI::App& app, int argc, char** argv) {
+  itoftool::RefuseOutputWithOneDash(app, std::vector<std::string>(argv + std::min(argc, 1), argv + argc));
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& help) {

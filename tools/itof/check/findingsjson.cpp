@@ -6,12 +6,14 @@
 namespace itoftool {
 
 Json FindingsJson(const Findings& findings) {
+  const size_t compared = TofPixels(8).size();  // those of the readings
   Json list = Json::array();
   for (const Finding& finding : findings) {
     Json readings = Json::array();
     for (const OtherReading& reading : finding.readings) {
       const Spread& moved = reading.moved;
-      const auto pixels = [&](double value) { return moved.count > 0 ? Number(value) : Json(nullptr); };
+      const bool isCompared = !IsHardlyAny(moved, compared);
+      const auto pixels = [&](double value) { return isCompared ? Number(value) : Json(nullptr); };
       readings.push_back({{"reading", reading.name},
                           {"median_pixels", pixels(moved.median)},
                           {"maximum_pixels", pixels(moved.maximum)}});

@@ -87,12 +87,16 @@ std::vector<CheckedUnit> CheckInputs(const std::vector<Input>& inputs, const Ref
 
 void PrintFindings(const CheckedUnit& unit) {
   for (const Finding& finding : unit.findings) {
-    Print(Format("%s [%s]\n", SeverityName(finding.severity), finding.name.c_str()) + Wrap(finding.text, 2) +
+    Print(Format("%s [%s]\n", SeverityName(finding.severity), finding.name.c_str()) + Wrap(OneLine(finding.text), 2) +
           Wrap("What to do: " + finding.advice, 2) + "\n");
   }
 }
 
-std::string Summary(const CheckedUnit& unit) { return unit.path + ": " + CountText(unit.findings); }
+std::string Summary(const CheckedUnit& unit) {
+  const Finding* worst = WorstFinding(unit.findings);
+  const bool isReadable = worst == nullptr || worst->name != kUnreadable;
+  return unit.path + ": " + (isReadable ? CountText(unit.findings) : worst->text);
+}
 
 std::string Summary(const std::vector<UnitRow>& rows) {
   const auto errors = std::ranges::count_if(rows, [](const UnitRow& row) { return row.errors > 0; });
@@ -106,7 +110,7 @@ void PrintUnits(const CheckOptions& options, const std::vector<CheckedUnit>& uni
   if (options.verbose) {
     for (const CheckedUnit& unit : units) {
       PrintFindings(unit);
-      Print(Summary(unit) + "\n\n");
+      Print(OneLine(Summary(unit)) + "\n\n");
     }
   }
   Print(TableText(rows) + "\n");
@@ -116,6 +120,7 @@ void PrintUnits(const CheckOptions& options, const std::vector<CheckedUnit>& uni
 void Check(const CheckOptions& options) {
   const std::vector<Input> inputs = FindInputs(options.paths);
   const bool isSingle = inputs.size() == 1;
+  const bool isText = !options.json && !options.csv;
   Reference reference;
   if (!options.reference.empty()) {
     reference = ReadCalibrationFile(options.reference).record;
@@ -123,10 +128,9 @@ void Check(const CheckOptions& options) {
     if (CountErrors(findings) > 0) throw DataError(options.reference + ": is not a good unit: " + CountText(findings));
   }
   const std::vector<CheckedUnit> units =
-      isSingle ? std::vector{CheckInput(inputs.front(), reference)} : CheckInputs(inputs, reference);
+      isSingle && isText ? std::vector{CheckInput(inputs.front(), reference)} : CheckInputs(inputs, reference);
   const std::optional<Fleet> fleet = CompareFleet(units);
   const std::vector<UnitRow> rows = MakeRows(units, fleet);
-  const bool isText = !options.json && !options.csv;
   if (options.json) Print(CheckJson(units, rows, fleet));
   if (options.csv) Print(TableCsv(rows));
   if (isText && isSingle) PrintFindings(units.front());
@@ -134,7 +138,7 @@ void Check(const CheckOptions& options) {
 
   const std::string summary = isSingle ? Summary(units.front()) : Summary(rows);
   if (std::ranges::any_of(rows, [](const UnitRow& row) { return row.errors > 0; })) throw DataError(summary);
-  if (isText) Print(summary + "\n");
+  if (isText) Print(OneLine(summary) + "\n");
 }
 
 }  // namespace
@@ -143,22 +147,23 @@ void AddCheckCommand(CLI::App& calibration) {
   const auto options = std::make_shared<CheckOptions>();
   CLI::App* command = calibration.add_subcommand(
       "check",
-      "Checks calibration files for mistakes, and compares five and more with each other; exit code 1 if one has an "
+      "Checks calibration files for mistakes, and compares five or more with each other; exit code 1 if one has an "
       "error");
   command
       ->add_option("PATH", options->paths,
-                   "Calibration files of 228 bytes, or folders: of these every file of 228 bytes or named *.bin")
+                   "Calibration files of 228 bytes, or folders, in which every file of 228 bytes or named "
+                   "*.bin is checked")
       ->required()
       ->type_name("");
   command
       ->add_option(
           "--reference", options->reference,
-          "Calibration file of a unit that is known to be good: prints what the files have beyond it, and how far "
-          "pixels are from its")
+          "Calibration file of a unit that is known to be good: prints only findings that it does not have, and how "
+          "far pixels are from where it puts them")
       ->check(EmptyFault)
       ->type_name("GOOD");
-  CLI::Option* verbose = command->add_flag("--verbose", options->verbose,
-                                           "Prints all findings of several files too, and the fleet's medians");
+  CLI::Option* verbose = command->add_flag(
+      "--verbose", options->verbose, "Also prints every finding if several files are checked, and the fleet's medians");
   CLI::Option* json = command->add_flag("--json", options->json, kJsonHelp)->excludes(verbose);
   command->add_flag("--csv", options->csv, "Prints the table of files as comma-separated values")
       ->excludes(verbose)

@@ -26,10 +26,14 @@ void RequireSubcommand(const CLI::App& app);
 /// or option that the word resembles, if there is one.
 void RefuseUnknownWords(const CLI::App& app);
 
+/// Throws UsageError if one of `words`, which follow the tool's name, is `-output` or resembles it. The parser would take
+/// it as the option -o with the rest as a file's name.
+void RefuseOutputWithOneDash(const CLI::App& app, const std::vector<std::string>& words);
+
 /// Returns how to type a command, e.g. "itof calibration check".
 std::string CommandLine(const CLI::App& command);
 
-/// Prints how the last of `words` may go on, one candidate per line: names of commands or options, or an option's choices.
+/// Prints the possible completions of the last of `words`, one per line: names of commands or options, or an option's choices.
 /// Prints nothing where a file's name or a number is expected. `words` follow the tool's name on the command line.
 void PrintCompletions(const CLI::App& app, std::vector<std::string> words);
 

@@ -1,5 +1,5 @@
-// Prints how the last word of an unfinished command line may go on. The shell's completion script calls it, so completion
-// always knows exactly the commands, options and choices of the program that is being typed.
+// Prints the possible completions of the last word of a command line. The shell's completion script calls it, so
+// completion always knows exactly the commands, options and choices of the program that is being typed.
 #include <cstdio>
 #include <sstream>
 #include <string>

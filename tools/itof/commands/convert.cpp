@@ -185,7 +185,7 @@ void AddImportCommand(CLI::App& calibration) {
     return command->add_option(name, numbers, help)->delimiter(',')->type_name(form)->option_text(form);
   };
   AddChoiceOption(*command, "--format", options->format, StereoFormatNames(),
-                  "Format of the files, if it is not to be recognised");
+                  "Format of the files, recognised by the content if not given");
   AddChoiceOption(*command, "--unit", options->unit, UnitNames(),
                   "Unit of the translation if the files do not say it; mm if not given");
   addNumbers("--tof-size", options->tofSize, "W,H", "Image size of the ToF camera, if the files do not contain it")

@@ -48,7 +48,7 @@ std::string Suggestion(const std::string& word, const std::vector<Name>& names, 
     nearest = &name;
   }
   if (nearest == nullptr) return otherwise;
-  return smallest == 0 ? "; it is " + Quoted(nearest->typed) : "; did you mean " + Quoted(nearest->typed) + "?";
+  return smallest == 0 ? "; use " + Quoted(nearest->typed) : "; did you mean " + Quoted(nearest->typed) + "?";
 }
 
 /// Appends the commands of `app`, then those below them.
@@ -87,6 +87,21 @@ std::string UnknownWord(const CLI::App& command, const std::string& word) {
 std::string CommandLine(const CLI::App& command) {
   const CLI::App* parent = command.get_parent();
   return (parent == nullptr ? "" : CommandLine(*parent) + " ") + command.get_name();
+}
+
+void RefuseOutputWithOneDash(const CLI::App& app, const std::vector<std::string>& words) {
+  const CLI::App* command = &app;
+  for (const std::string& word : words) {
+    if (word == "--") return;
+    const std::string letters = word.substr(0, word.find('='));
+    if (letters.starts_with("-o")) {
+      const bool isOutput = !Suggestion(letters.substr(1), {{"output", "--output"}}, "").empty();
+      if (isOutput && command->get_option_no_throw("-o") != nullptr) throw UsageError(UnknownOption(*command, word));
+    } else {
+      const auto below = command->get_subcommands([&](const CLI::App* each) { return each->get_name() == word; });
+      if (!below.empty()) command = below.front();
+    }
+  }
 }
 
 void RefuseUnknownWords(const CLI::App& app) {

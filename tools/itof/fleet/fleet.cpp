@@ -88,7 +88,7 @@ DeviatingUnit FindDeviations(size_t unit, const Fleet& fleet, const std::vector<
   DeviatingUnit found{unit, all.front().score, all.front().score > fleet.threshold, {}};
   for (auto each = all.begin(); each != all.end(); ++each) {
     const bool isLargest = each == all.begin() || each == largestCause;
-    if (each->score > fleet.threshold || isLargest) found.deviations.push_back(*each);
+    if (found.isBeyond ? each->score > fleet.threshold : isLargest) found.deviations.push_back(*each);
   }
   std::stable_partition(found.deviations.begin(), found.deviations.end(), isCause);
   return found;

@@ -43,7 +43,8 @@ struct DeviatingUnit {
   size_t unit;          // index in Fleet::compared
   double largestScore;  // of all its deviations
   bool isBeyond;        // beyond the threshold with that score
-  /// Those beyond the threshold, the largest of all, and the largest cause: causes first, each by score.
+  /// Those beyond the threshold; of a unit within it, the largest of all and the largest cause. Causes first, each by
+  /// score.
   std::vector<Deviation> deviations;
 };
 

@@ -60,7 +60,7 @@ cv::Matx33d MedianRotation(Units units) {
   return cv::Matx33d(nearest.ptr<double>());
 }
 
-/// Adds the rotation vector from the median rotation to each unit's.
+/// Adds the rotation vector from the median rotation to each unit's, and which units have no rotation to compare.
 void AddAngles(Units units, std::vector<Quantity>& quantities) {
   const cv::Matx33d median = MedianRotation(units);
   std::vector<cv::Vec3d> angles;
@@ -69,6 +69,9 @@ void AddAngles(Units units, std::vector<Quantity>& quantities) {
     angles.push_back(cv::Vec3d::all(kNotANumber));
     if (IsRotation(rotation)) cv::Rodrigues(rotation * median.t(), angles.back());
   }
+  Quantity invalid{"rotation not valid", "0 no, 1 yes", QuantityRole::kCause, {}};
+  for (const CheckedUnit* unit : units) invalid.values.push_back(IsRotation(RotationOf(*unit)) ? 0 : 1);
+  quantities.push_back(std::move(invalid));
   for (int axis = 0; axis < 3; ++axis) {
     Quantity quantity{Format("turn about %c", "xyz"[axis]), "degrees", QuantityRole::kCause, {}};
     for (const cv::Vec3d& angle : angles) quantity.values.push_back(angle[axis] * 180 / std::numbers::pi);

@@ -22,7 +22,7 @@ struct Quantity {
   std::vector<double> values;  // of each unit; not-a-number if it has none
 };
 
-/// The median of the values that are not not-a-number; not-a-number if there are none.
+/// The median of the values, ignoring not-a-number; not-a-number if there are none.
 double Median(std::vector<double> values);
 
 /// For each unit and depth, how far its positions are from the fleet's: those at the medians of all units' x and y.
@@ -31,7 +31,7 @@ double Median(std::vector<double> values);
 std::vector<PerDepth<Spread>> MeasureMoves(std::span<const CheckedUnit* const> units);
 
 /// The quantities of units with a record: every field that the geometry depends on, in the order of the file; the
-/// rotation as three angles; and the moves. The entries of the rotation are not compared: those near 1 change with the
+/// rotation as three angles, with whether the matrix is a rotation at all; and the moves. The entries of the rotation are not compared: those near 1 change with the
 /// square of an angle, so that their values are far from evenly spread in a sound fleet.
 std::vector<Quantity> MeasureQuantities(std::span<const CheckedUnit* const> units,
                                         std::span<const PerDepth<Spread>> moves);

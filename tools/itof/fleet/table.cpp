@@ -52,15 +52,16 @@ std::vector<UnitRow> MakeRows(std::span<const CheckedUnit> units, const std::opt
 
 std::string TableText(std::span<const UnitRow> rows) {
   size_t width = 4;
-  for (const UnitRow& row : rows) width = std::max(width, row.path.size());
+  for (const UnitRow& row : rows) width = std::max(width, row.path.size());  // OneLine keeps it
   const int column = static_cast<int>(width);
   const auto pixels = [](const std::optional<double>& value) { return value ? Format("%.1f", *value) : "-"; };
   std::string text = Format("%-*s  errors  warnings  notes  effect px  fleet px  worst finding\n", column, "file");
   for (const UnitRow& row : rows) {
     std::string worst = row.worst.empty() ? "-" : row.worst;
-    if (!row.reason.empty()) worst.append(": ").append(row.reason);
-    text += Format("%-*s  %6zu  %8zu  %5zu  %9s  %8s  %s\n", column, row.path.c_str(), row.errors, row.warnings,
-                   row.notes, pixels(row.effectPixels).c_str(), pixels(row.fleetPixels).c_str(), worst.c_str());
+    if (!row.reason.empty()) worst.append(": ").append(OneLine(row.reason));
+    text +=
+        Format("%-*s  %6zu  %8zu  %5zu  %9s  %8s  %s\n", column, OneLine(row.path).c_str(), row.errors, row.warnings,
+               row.notes, pixels(row.effectPixels).c_str(), pixels(row.fleetPixels).c_str(), worst.c_str());
   }
   return text;
 }

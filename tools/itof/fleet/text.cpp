@@ -15,7 +15,7 @@ std::string CopiesText(const std::vector<Copies>& copies) {
   for (const Copies& same : copies) {
     text += same.sameBytes ? "\nIdentical files\n"
                            : "\nIdentical calibrations; only words that no pixel depends on differ\n";
-    for (const std::string& path : same.paths) text += "  " + path + "\n";
+    for (const std::string& path : same.paths) text += "  " + OneLine(path) + "\n";
   }
   return text;
 }
@@ -37,8 +37,8 @@ std::string DeviationText(const Deviation& deviation, const FleetQuantity& quant
 
 std::string UnitText(const DeviatingUnit& unit, const Fleet& fleet, const std::string& path, bool verbose) {
   constexpr size_t kMostShown = 6;
-  std::string text =
-      Format("%s  (pixels moved, median / maximum: %s)\n", path.c_str(), MovesText(fleet.moves[unit.unit]).c_str());
+  std::string text = Format("%s  (pixels moved, median / maximum: %s)\n", OneLine(path).c_str(),
+                            MovesText(fleet.moves[unit.unit]).c_str());
   const size_t count = unit.deviations.size();
   const size_t shown = count > kMostShown && !verbose ? kMostShown - 1 : count;
   for (const Deviation& deviation : std::span(unit.deviations).first(shown)) {

@@ -29,7 +29,7 @@ CheckedUnit CheckUnit(const std::string& path, std::span<const uint8_t> bytes,
 
 CheckedUnit UnreadableUnit(const std::string& path, const std::string& reason) {
   return {.path = path,
-          .findings = {{Severity::kError, kUnreadable, "", reason, "Give the name of a calibration file or a folder."}},
+          .findings = {{Severity::kError, kUnreadable, "", reason, "Check the path and its permissions."}},
           .content = {},
           .record = {}};
 }
@@ -40,9 +40,10 @@ const Finding* WorstFinding(const Findings& findings) {
 }
 
 std::optional<double> LargestEffect(const Findings& findings) {
+  const size_t compared = TofPixels(8).size();  // those of the readings
   std::optional<double> largest;
   for (const Finding& finding : findings) {
-    if (finding.readings.empty() || finding.readings.front().moved.count == 0) continue;
+    if (finding.readings.empty() || IsHardlyAny(finding.readings.front().moved, compared)) continue;
     largest = std::max(largest.value_or(0), finding.readings.front().moved.maximum);
   }
   return largest;

@@ -43,7 +43,7 @@ CheckedUnit UnreadableUnit(const std::string& path, const std::string& reason);
 const Finding* WorstFinding(const Findings& findings);
 
 /// How far the likeliest other reading of a finding moves pixels at 1 m, at most; of several findings the largest.
-/// Nothing if no finding has another reading that was compared.
+/// Nothing if of no finding's reading enough pixels land to be compared.
 std::optional<double> LargestEffect(const Findings& findings);
 
 }  // namespace itoftool

@@ -29,12 +29,15 @@ struct Spread {
   cv::Point where;  // ToF pixel of the maximum
 };
 
+/// Whether so few of the `compared` pixels count that the distances say little: fewer than 5 %.
+inline bool IsHardlyAny(const Spread& spread, size_t compared) { return spread.count < compared / 20; }
+
 /// The spread of the distances between `a` and `b`, two positions of each pixel. Pixels with a position that is
 /// not-a-number do not count.
 Spread MeasureSpread(std::span<const cv::Point> pixels, std::span<const cv::Point2d> a, std::span<const cv::Point2d> b);
 
 /// Positions in the real aux image to which the library moves ToF pixels of one depth code, before truncation to cells;
-/// kNowhere for pixels that do not land, or whose position the aux lens tears apart. The tables must be for a ratio of
+/// kNowhere for pixels that do not land, or that land where the aux lens model is not valid. The tables must be for a ratio of
 /// 1.
 std::vector<cv::Point2d> AlignedPositions(const RunTables& tables, std::span<const cv::Point> pixels, uint16_t code);
 

@@ -57,14 +57,15 @@ Json PositionsJson(const std::vector<ExactPositions>& exactPositions) {
 Json ApproximationJson(const PerDepth<Approximation>& approximation) {
   Json list = Json::array();
   for (size_t i = 0; i < approximation.size(); ++i) {
-    const auto& [error, lost, belonging] = approximation[i];
+    const Spread& error = approximation[i].error;
+    const auto measured = [&](const Json& value) { return error.count > 0 ? value : Json(nullptr); };
     Json at = AtDepth(kCompareDepths[i]);
     at["pixels_compared"] = error.count;
-    at["median"] = error.median;
-    at["percentile_95"] = error.percentile95;
-    at["maximum"] = error.maximum;
-    at["maximum_at_tof_pixel"] = JsonPixel(error.where);
-    at["pixels_lost"] = lost;
+    at["median"] = measured(error.median);
+    at["percentile_95"] = measured(error.percentile95);
+    at["maximum"] = measured(error.maximum);
+    at["maximum_at_tof_pixel"] = measured(JsonPixel(error.where));
+    at["pixels_lost"] = approximation[i].lost;
     list.push_back(at);
   }
   return list;

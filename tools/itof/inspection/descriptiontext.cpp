@@ -72,8 +72,11 @@ std::string ApproximationText(const PerDepth<Approximation>& approximation) {
       "  depth    median   95 %   maximum, at ToF pixel         compared    lost\n";
   for (size_t i = 0; i < approximation.size(); ++i) {
     const auto& [error, lost, belonging] = approximation[i];
-    text += Format("  %.1f m  %8.2f %6.2f %9.2f  %-18s %10zu %7zu\n", kCompareDepths[i] / 1000.0, error.median,
-                   error.percentile95, error.maximum, PixelText(error.where).c_str(), error.count, lost);
+    const std::string figures =
+        error.count == 0
+            ? "   no pixel can be compared"
+            : Format("%8.2f %6.2f %9.2f  ", error.median, error.percentile95, error.maximum) + PixelText(error.where);
+    text += Format("  %.1f m  %-45s %10zu %7zu\n", kCompareDepths[i] / 1000.0, figures.c_str(), error.count, lost);
   }
   return text;
 }

@@ -44,7 +44,7 @@ std::vector<bool> FindWritten(float* mapX, float* mapY, const Fill& fill) {
 
 /// Writes the undistorted position of every ToF pixel to `x` and `y`. The library undistorts inside the far-plane step;
 /// with an aux camera that has the place and the matrix of the ToF camera, that step gives just these positions. The
-/// parameters are exchanged for the step only: a second context would cost more than the step.
+/// parameters are replaced only during the step: a second context would cost more than the step.
 void FillUndistorted(itof::AlignmentContext& context, std::vector<float>& x, std::vector<float>& y) {
   const itof::AlignmentParams written = context.params;
   const double* k = written.tofIntrinsics;

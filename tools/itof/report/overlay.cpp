@@ -27,7 +27,7 @@ void FillRows(cv::Mat& codes) {
   }
 }
 
-/// Returns a mask of the two pixels on both sides of each jump in depth.
+/// Returns a mask of the pixels on either side of each jump in depth.
 cv::Mat DepthEdges(const cv::Mat& codes) {
   constexpr double kRelativeStep = 0.08, kSmallestStep = 32;
   cv::Mat smooth;

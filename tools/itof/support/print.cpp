@@ -1,20 +1,16 @@
 // Flushes standard output. A text larger than the stream's buffer fails before the last flush, which then succeeds.
 #include "support/print.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 
 #include "support/errors.h"
+#include "support/text.h"
 
 namespace itoftool {
 
-void PrintMessage(std::string text) {
-  std::ranges::replace_if(
-      text, [](unsigned char c) { return c < ' ' || c == 127; }, ' ');
-  std::fprintf(stderr, "itof: %s\n", text.c_str());
-}
+void PrintMessage(const std::string& text) { std::fprintf(stderr, "itof: %s\n", OneLine(text).c_str()); }
 
 void FinishOutput(const char* remark) {
   const bool flushed = std::fflush(stdout) == 0;

@@ -6,9 +6,8 @@
 
 namespace itoftool {
 
-/// Prints a failure or a remark in one line on standard error. `text` may contain line breaks, which file names and
-/// messages of other libraries may have; they become spaces.
-void PrintMessage(std::string text);
+/// Prints a failure or a remark in one line on standard error, with OneLine.
+void PrintMessage(const std::string& text);
 
 /// Throws DataError if anything printed to standard output did not arrive. `remark` follows the cause.
 void FinishOutput(const char* remark = "");

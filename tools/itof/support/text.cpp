@@ -1,6 +1,7 @@
 // Formats numbers and wraps lines.
 #include "support/text.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <sstream>
@@ -19,6 +20,12 @@ std::string Format(const char* format, ...) {
 }
 
 std::string Quoted(const std::string& text) { return Format("\"%s\"", text.c_str()); }
+
+std::string OneLine(std::string text) {
+  std::ranges::replace_if(
+      text, [](unsigned char c) { return c < ' ' || c == 127; }, ' ');
+  return text;
+}
 
 std::string Wrap(const std::string& text, size_t indent, size_t width) {
   const std::string margin(indent, ' ');

@@ -13,6 +13,10 @@ namespace itoftool {
 /// The text in double quotes.
 std::string Quoted(const std::string& text);
 
+/// The text with spaces in place of control characters, such as line breaks. File names and messages of other libraries
+/// may contain them.
+std::string OneLine(std::string text);
+
 /// Breaks `text` at spaces into lines of at most `width` characters, each with `indent` leading spaces and a line end.
 std::string Wrap(const std::string& text, size_t indent, size_t width = 100);
 
