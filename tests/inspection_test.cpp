@@ -226,7 +226,7 @@ TEST(CalibrationCheck, NamesOddGeometryAndLeavesTheRestAlone) {
 
 TEST(FindingsJson, HoldsOtherReadingsWithTheirPixels) {
   Spread moved;
-  moved.count = 9;
+  moved.count = 900;
   moved.median = 1.5;
   moved.maximum = 4;
   const Findings findings{{Severity::kNote, "aim", "aux", "what", "do", {{"a", moved}, {"b", Spread()}}}};

@@ -20,7 +20,7 @@ struct Candidate {
 };
 
 std::string MovedText(const Spread& moved, size_t pixels) {
-  if (moved.count < pixels / 20) return "hardly any pixel lands with both readings";
+  if (IsHardlyAny(moved, pixels)) return "hardly any pixel lands with both readings";
   return Format("moves positions at 1 m by a median of %.1f pixels and at most %.1f", moved.median, moved.maximum);
 }
 

@@ -43,8 +43,8 @@ class Comparison {
     Distance distance;
     for (size_t i = 0; i < a.size(); ++i) {
       const Spread& spread = distance.spreads[i] = MeasureSpread(pixels_, a[i], b[i]);
-      distance.worst =
-          std::max(distance.worst, spread.count > 0 ? spread.median : std::numeric_limits<double>::infinity());
+      const double median = spread.count > 0 ? spread.median : std::numeric_limits<double>::infinity();
+      distance.worst = std::max(distance.worst, median);
     }
     return distance;
   }
@@ -58,7 +58,7 @@ std::string DistanceText(const Distance& distance) {
   const auto isEmpty = [](const Spread& spread) { return spread.count == 0; };
   if (std::ranges::all_of(distance.spreads, isEmpty)) return "no pixel lands with both";
   std::vector<std::string> parts;
-  for (size_t i = 0; i < distance.spreads.size(); ++i) {
+  for (size_t i = 0; i < std::size(kCompareDepths); ++i) {
     const Spread& spread = distance.spreads[i];
     const double depth = kCompareDepths[i] / 1000.0;
     parts.push_back(spread.count == 0

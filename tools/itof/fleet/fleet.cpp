@@ -61,7 +61,7 @@ double Score(const FleetQuantity& quantity, double value) {
 /// The score that is rarely exceeded in a sound fleet of that many units, at least kSmallestFleet.
 double FleetThreshold(size_t units) {
   // Rounded up from simulated series of normally distributed values: in one of 5000 such series of that length, some
-  // value exceeds it. With 50 quantities, that is one sound fleet in a hundred. In short series the median absolute
+  // value exceeds it. With some 60 quantities, that is one sound fleet in a hundred. In short series the median absolute
   // deviation is so uncertain that only gross deviations can be told from chance.
   struct Row {
     size_t units;
@@ -87,7 +87,7 @@ DeviatingUnit FindDeviations(size_t unit, const Fleet& fleet, const std::vector<
   const auto largestCause = std::ranges::find_if(all, isCause);
   DeviatingUnit found{unit, all.front().score, all.front().score > fleet.threshold, {}};
   for (auto each = all.begin(); each != all.end(); ++each) {
-    const bool isLargest = each == all.begin() || each == largestCause;
+    const bool isLargest = each == all.begin() || (each == largestCause && each->score > 0);
     if (found.isBeyond ? each->score > fleet.threshold : isLargest) found.deviations.push_back(*each);
   }
   std::stable_partition(found.deviations.begin(), found.deviations.end(), isCause);
