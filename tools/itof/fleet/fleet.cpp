@@ -44,7 +44,7 @@ std::vector<Copies> FindCopies(std::span<const CheckedUnit> units) {
   return copies;
 }
 
-FleetQuantity Summarise(const Quantity& quantity) {
+FleetQuantity Summarise(const QuantityValues& quantity) {
   const double median = Median(quantity.values);
   std::vector<double> deviations;
   for (const double value : quantity.values) deviations.push_back(std::abs(value - median));
@@ -74,7 +74,7 @@ double FleetThreshold(size_t units) {
   return 140;
 }
 
-DeviatingUnit FindDeviations(size_t unit, const Fleet& fleet, const std::vector<Quantity>& quantities) {
+DeviatingUnit FindDeviations(size_t unit, const Fleet& fleet, const std::vector<QuantityValues>& quantities) {
   std::vector<Deviation> all;
   for (size_t i = 0; i < quantities.size(); ++i) {
     if (quantities[i].role == QuantityRole::kInformation) continue;
@@ -110,7 +110,7 @@ std::optional<Fleet> CompareFleet(std::span<const CheckedUnit> units) {
   fleet.copies = FindCopies(units);
   fleet.threshold = FleetThreshold(compared.size());
   fleet.moves = MeasureMoves(compared);
-  const std::vector<Quantity> quantities = MeasureQuantities(compared, fleet.moves);
+  const std::vector<QuantityValues> quantities = MeasureQuantities(compared, fleet.moves);
   std::ranges::transform(quantities, std::back_inserter(fleet.quantities), Summarise);
 
   for (size_t i = 0; i < compared.size(); ++i) fleet.deviating.push_back(FindDeviations(i, fleet, quantities));

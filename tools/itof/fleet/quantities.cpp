@@ -30,12 +30,12 @@ bool IsRotation(const cv::Matx33d& matrix) {
   return OrthonormalityError(matrix) <= kOrthonormal && cv::determinant(matrix) > 0;
 }
 
-void AddFields(Units units, std::vector<Quantity>& quantities) {
+void AddFields(Units units, std::vector<QuantityValues>& quantities) {
   itof::ForEachEntry([&](const itof::CalibrationField& field, size_t index) {
     if (!itof::IsGeometry(field.kind)) return;
     const bool isInformation = field.kind == itof::FieldKind::kRotation;
     const QuantityRole role = isInformation ? QuantityRole::kInformation : QuantityRole::kCause;
-    Quantity quantity{itof::EntryName(field, index), EntryUnit(field, index), role, {}};
+    QuantityValues quantity{itof::EntryName(field, index), EntryUnit(field, index), role, {}};
     for (const CheckedUnit* unit : units) {
       quantity.values.push_back(static_cast<double>(EntryValue(*unit->record, field, index)));
     }
@@ -61,7 +61,7 @@ cv::Matx33d MedianRotation(Units units) {
 }
 
 /// Adds the rotation vector from the median rotation to each unit's, and which units have no rotation to compare.
-void AddAngles(Units units, std::vector<Quantity>& quantities) {
+void AddAngles(Units units, std::vector<QuantityValues>& quantities) {
   const cv::Matx33d median = MedianRotation(units);
   std::vector<cv::Vec3d> angles;
   for (const CheckedUnit* unit : units) {
@@ -69,20 +69,20 @@ void AddAngles(Units units, std::vector<Quantity>& quantities) {
     angles.push_back(cv::Vec3d::all(kNotANumber));
     if (IsRotation(rotation)) cv::Rodrigues(rotation * median.t(), angles.back());
   }
-  Quantity invalid{"rotation not valid", "0 no, 1 yes", QuantityRole::kCause, {}};
+  QuantityValues invalid{"rotation not valid", "0 no, 1 yes", QuantityRole::kCause, {}};
   for (const CheckedUnit* unit : units) invalid.values.push_back(IsRotation(RotationOf(*unit)) ? 0 : 1);
   quantities.push_back(std::move(invalid));
   for (int axis = 0; axis < 3; ++axis) {
-    Quantity quantity{Format("turn about %c", "xyz"[axis]), "degrees", QuantityRole::kCause, {}};
+    QuantityValues quantity{Format("turn about %c", "xyz"[axis]), "degrees", QuantityRole::kCause, {}};
     for (const cv::Vec3d& angle : angles) quantity.values.push_back(angle[axis] * 180 / std::numbers::pi);
     quantities.push_back(std::move(quantity));
   }
 }
 
-void AddMoves(std::span<const PerDepth<Spread>> moves, std::vector<Quantity>& quantities) {
+void AddMoves(std::span<const PerDepth<Spread>> moves, std::vector<QuantityValues>& quantities) {
   for (size_t depth = 0; depth < std::size(kCompareDepths); ++depth) {
     for (const auto& [name, figure] : {std::pair{"median", &Spread::median}, {"maximum", &Spread::maximum}}) {
-      Quantity quantity{
+      QuantityValues quantity{
           Format("move at %.1f m, %s", kCompareDepths[depth] / 1000.0, name), "pixels", QuantityRole::kEffect, {}};
       for (const auto& move : moves) {
         quantity.values.push_back(move[depth].count > 0 ? move[depth].*figure : kNotANumber);
@@ -125,8 +125,8 @@ std::vector<PerDepth<Spread>> MeasureMoves(Units units) {
   return moves;
 }
 
-std::vector<Quantity> MeasureQuantities(Units units, std::span<const PerDepth<Spread>> moves) {
-  std::vector<Quantity> quantities;
+std::vector<QuantityValues> MeasureQuantities(Units units, std::span<const PerDepth<Spread>> moves) {
+  std::vector<QuantityValues> quantities;
   AddFields(units, quantities);
   AddAngles(units, quantities);
   AddMoves(moves, quantities);

@@ -16,7 +16,7 @@ enum class QuantityRole {
   kInformation,  // units are not compared in it
 };
 
-struct Quantity {
+struct QuantityValues {
   std::string name, unit;
   QuantityRole role;
   std::vector<double> values;  // of each unit; not-a-number if it has none
@@ -31,10 +31,11 @@ double Median(std::vector<double> values);
 std::vector<PerDepth<Spread>> MeasureMoves(std::span<const CheckedUnit* const> units);
 
 /// The quantities of units with a record: every field that the geometry depends on, in the order of the file; the
-/// rotation as three angles, with whether the matrix is a rotation at all; and the moves. The entries of the rotation are not compared: those near 1 change with the
-/// square of an angle, so that their values are far from evenly spread in a sound fleet.
-std::vector<Quantity> MeasureQuantities(std::span<const CheckedUnit* const> units,
-                                        std::span<const PerDepth<Spread>> moves);
+/// rotation as three angles, with whether the matrix is a rotation at all; and the moves. The entries of the rotation
+/// are not compared: those near 1 change with the square of an angle, so that their values are far from evenly spread in
+/// a sound fleet.
+std::vector<QuantityValues> MeasureQuantities(std::span<const CheckedUnit* const> units,
+                                              std::span<const PerDepth<Spread>> moves);
 
 }  // namespace itoftool
 
