@@ -67,7 +67,8 @@ TEST_F(InspectionToolTest, ShowDescribesEqualCamerasSideBySide) {
 
 TEST_F(InspectionToolTest, ShowHasNoErrorWhereNoPixelCanBeCompared) {
   Write("far.bin", CalibrationBytes(IdentityCalibration({{22, -25000}})));
-  for (const auto& error : JsonOf("calibration show --json far.bin")["alignment_error_pixels"]) {
+  const nlohmann::json json = JsonOf("calibration show --json far.bin");
+  for (const auto& error : json["alignment_error_pixels"]) {
     EXPECT_TRUE(error["pixels_compared"] == 0 && error["median"].is_null() && error["maximum"].is_null()) << error;
   }
   ExpectOutput("calibration show far.bin", {"\n  1.0 m     no pixel can be compared  "});
